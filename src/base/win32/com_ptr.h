@@ -1,0 +1,9 @@
+#pragma once
+
+#include <wrl/client.h>
+
+namespace brindlecast {
+
+using Microsoft::WRL::ComPtr;
+
+} // namespace brindlecast

@@ -1,0 +1,101 @@
+#include "base/win32/registry_settings_store.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace brindlecast {
+namespace {
+
+constexpr const wchar_t* kName = L"UnitTestValue";
+
+class RegistrySettingsStoreTest : public ::testing::Test {
+protected:
+    void SetUp() override { Remove(); }
+    void TearDown() override { Remove(); }
+
+    static void Remove() { RegDeleteKeyValueW(HKEY_CURRENT_USER, L"Software\\Brindlecast", kName); }
+    static void Put(DWORD type, const std::vector<BYTE>& bytes) {
+        const SettingsKey key(SettingsKey::Access::Write);
+        ASSERT_EQ(RegSetValueExW(key.Get(), kName, 0, type, bytes.data(), static_cast<DWORD>(bytes.size())),
+                  ERROR_SUCCESS);
+    }
+    static std::vector<BYTE> TextBytes(std::size_t byteCount) {
+        std::vector<BYTE> bytes(byteCount, 0);
+        for (std::size_t i = 0; i + 2 < byteCount; i += 2) {
+            bytes[i] = 'w';
+        }
+        return bytes;
+    }
+
+    RegistrySettingsStore store;
+};
+
+TEST_F(RegistrySettingsStoreTest, AWriterCreatesTheKeyAndAReaderGetsTheValue) {
+    RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Brindlecast");
+    EXPECT_FALSE(SettingsKey(SettingsKey::Access::Read));
+    EXPECT_EQ(store.ReadDword(kName, TypeCheck::Strict), std::nullopt);
+    EXPECT_EQ(store.ReadString(kName), std::nullopt);
+    EXPECT_TRUE(store.WriteDword(kName, 0x80000001));
+    EXPECT_EQ(store.ReadDword(kName, TypeCheck::Strict), 0x80000001U);
+}
+
+TEST_F(RegistrySettingsStoreTest, AStrictReaderIgnoresAnotherTypeOrSize) {
+    Put(REG_SZ, {'8', 0, 0, 0});
+    EXPECT_EQ(store.ReadDword(kName, TypeCheck::Strict), std::nullopt);
+    Put(REG_DWORD, {1, 2});
+    EXPECT_EQ(store.ReadDword(kName, TypeCheck::Strict), std::nullopt);
+    Put(REG_BINARY, {1, 0, 0, 0});
+    EXPECT_EQ(store.ReadDword(kName, TypeCheck::Strict), std::nullopt);
+}
+
+TEST_F(RegistrySettingsStoreTest, ALooseReaderTakesTheFirstFourBytes) {
+    Put(REG_BINARY, {5, 0, 0, 0});
+    EXPECT_EQ(store.ReadDword(kName, TypeCheck::Loose), 5U);
+    Put(REG_BINARY, {1, 2, 3, 4, 5, 6});
+    EXPECT_EQ(store.ReadDword(kName, TypeCheck::Loose), 0x04030201U);
+    Put(REG_SZ, {'8', 0, 0, 0});
+    EXPECT_EQ(store.ReadDword(kName, TypeCheck::Loose), 0x38U);
+    Put(REG_BINARY, {9});
+    EXPECT_EQ(store.ReadDword(kName, TypeCheck::Loose), 9U);
+    Remove();
+    EXPECT_EQ(store.ReadDword(kName, TypeCheck::Loose), std::nullopt);
+}
+
+TEST_F(RegistrySettingsStoreTest, TextsGoThereAndBack) {
+    EXPECT_TRUE(store.WriteString(kName, L"한국어 값"));
+    EXPECT_EQ(store.ReadString(kName), L"한국어 값");
+    EXPECT_TRUE(store.WriteString(kName, L""));
+    EXPECT_EQ(store.ReadString(kName), L"");
+}
+
+TEST_F(RegistrySettingsStoreTest, ATextOf1024BytesIsReadAndOneOf1026IsNot) {
+    Put(REG_SZ, TextBytes(1024));
+    EXPECT_EQ(store.ReadString(kName), std::wstring(511, L'w'));
+    Put(REG_SZ, TextBytes(1026));
+    EXPECT_EQ(store.ReadString(kName), std::nullopt);
+}
+
+TEST_F(RegistrySettingsStoreTest, ATextMustBeATerminatedStringOfWholeCharacters) {
+    Put(REG_SZ, {});
+    EXPECT_EQ(store.ReadString(kName), L"");
+    Put(REG_EXPAND_SZ, {'a', 0, 0, 0});
+    EXPECT_EQ(store.ReadString(kName), L"a");
+    Put(REG_SZ, {'a', 0, 0, 0, 'b', 0, 0, 0});
+    EXPECT_EQ(store.ReadString(kName), L"a") << "the text ends at its first zero";
+    Put(REG_BINARY, {'a', 0, 0, 0});
+    EXPECT_EQ(store.ReadString(kName), std::nullopt);
+    store.WriteDword(kName, 7);
+    EXPECT_EQ(store.ReadString(kName), std::nullopt);
+}
+
+TEST_F(RegistrySettingsStoreTest, AnUnterminatedTextCountsAsAbsent) {
+    Put(REG_SZ, {'a', 0, 'b', 0});
+    EXPECT_EQ(store.ReadString(kName), std::nullopt);
+    Put(REG_SZ, {'a', 0, 0});
+    EXPECT_EQ(store.ReadString(kName), std::nullopt);
+}
+
+} // namespace
+} // namespace brindlecast
