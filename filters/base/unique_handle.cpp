@@ -1,0 +1,13 @@
+#include "filters/base/unique_handle.h"
+
+#include <new>
+
+namespace brindlecast {
+
+Event::Event(Reset reset, bool signalled)
+    : handle_(CreateEventW(nullptr, reset == Reset::Manual ? TRUE : FALSE, signalled ? TRUE : FALSE, nullptr)) {
+    if (!handle_)
+        throw std::bad_alloc();
+}
+
+} // namespace brindlecast
