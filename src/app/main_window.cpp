@@ -1,0 +1,187 @@
+#include "app/main_window.h"
+
+#include "app/main_window_layout.h"
+#include "app/resource_ids.h"
+#include "app/settings.h"
+#include "base/display_scale.h"
+#include "base/win32/geometry.h"
+#include "chrome/video_window.h"
+#include "engine/player_engine.h"
+#include "ui/messages.h"
+
+#include <shellapi.h>
+
+#include <optional>
+
+namespace brindlecast {
+
+namespace {
+
+constexpr const wchar_t* kClassName = L"BrindlecastMainWindow";
+constexpr const wchar_t* kCaption = L"Brindlecast";
+constexpr UINT kClassStyle = CS_HREDRAW | CS_VREDRAW | CS_DBLCLKS;
+constexpr DWORD kStyle = WS_POPUP | WS_CLIPCHILDREN | WS_THICKFRAME | WS_MINIMIZEBOX | WS_MAXIMIZEBOX;
+
+Size ScreenSize() {
+    return {GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+}
+
+std::optional<Rect> WorkAreaOf(const Rect& rect) {
+    const RECT platformRect = ToRect(rect);
+    const HMONITOR monitor = MonitorFromRect(&platformRect, MONITOR_DEFAULTTONULL);
+    MONITORINFO info{};
+    info.cbSize = sizeof(info);
+    if (monitor == nullptr || GetMonitorInfoW(monitor, &info) == FALSE) {
+        return std::nullopt;
+    }
+    return FromRect(info.rcWork);
+}
+
+} // namespace
+
+MainWindow::MainWindow(SettingsStore& store) : store(store) {}
+
+MainWindow::~MainWindow() {
+    engine.reset();
+    Destroy();
+    recentFiles.clear();
+    videoWindow.reset();
+}
+
+bool MainWindow::Create(HINSTANCE moduleInstance) {
+    instance = moduleInstance;
+    LoadSettings(CurrentSettings(), store);
+    const Class windowClass{kClassName, kClassStyle, LoadIconW(instance, MAKEINTRESOURCEW(kIconLarge)),
+                            LoadIconW(instance, MAKEINTRESOURCEW(kIconSmall))};
+    const Rect start = CenterOnScreen(kStartSize, ScreenSize());
+    if (!Register(instance, windowClass) ||
+        !CreateHandle(instance, windowClass,
+                      {kCaption, kStyle, WS_EX_APPWINDOW, start.left, start.top, start.Width(),
+                       start.Height(), nullptr})) {
+        return false;
+    }
+    RestorePlacement();
+    return true;
+}
+
+void MainWindow::Destroy() {
+    if (Handle() != nullptr) {
+        DestroyWindow(Handle());
+    }
+}
+
+void MainWindow::RestorePlacement() {
+    const AppSettings& settings = CurrentSettings();
+    if (!settings.rememberWindowPos || settings.windowW <= 0 || settings.windowH <= 0) {
+        return;
+    }
+    const Rect stored{settings.windowX, settings.windowY, settings.windowX + settings.windowW,
+                      settings.windowY + settings.windowH};
+    const Rect target = RestoreRectangle(stored, WorkAreaOf(stored), ScreenSize());
+    SetWindowPos(Handle(), nullptr, target.left, target.top, target.Width(), target.Height(), SWP_NOZORDER);
+    if (settings.windowMaximized) {
+        ShowWindow(Handle(), SW_MAXIMIZE);
+    }
+}
+
+void MainWindow::RememberPlacement() {
+    AppSettings& settings = CurrentSettings();
+    if (!settings.rememberWindowPos) {
+        return;
+    }
+    WINDOWPLACEMENT placement{};
+    placement.length = sizeof(placement);
+    GetWindowPlacement(Handle(), &placement);
+    settings.windowMaximized = placement.showCmd == SW_MAXIMIZE;
+    if (!isFullScreen && !settings.windowMaximized) {
+        const Rect normal = FromRect(placement.rcNormalPosition);
+        settings.windowX = normal.left;
+        settings.windowY = normal.top;
+        settings.windowW = normal.Width();
+        settings.windowH = normal.Height();
+    }
+}
+
+void MainWindow::OnCreate() {
+    DragAcceptFiles(Handle(), TRUE);
+    videoWindow = std::make_unique<VideoWindow>();
+    if (!videoWindow->Create(instance, Handle())) {
+        videoWindow.reset();
+    }
+    CreateEngine();
+}
+
+void MainWindow::CreateEngine() {
+    engine = std::make_unique<PlayerEngine>(store);
+    if (videoWindow == nullptr) {
+        return;
+    }
+    engine->videoHost = videoWindow->Handle();
+    engine->toolbarHeight = Scaled(kToolbarHeight);
+    engine->volume = static_cast<float>(ReadSetting(store, settings::kVolume)) / 100.0F;
+    engine->muted = ReadSetting(store, settings::kMuted) != 0;
+    NotifyOfGraphEvents();
+}
+
+void MainWindow::OnDestroy() {
+    RememberPlacement();
+    SaveSettings(CurrentSettings(), store);
+    engine.reset();
+    PostQuitMessage(0);
+}
+
+LRESULT MainWindow::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case WM_CREATE: OnCreate(); return 0;
+    case WM_DESTROY: OnDestroy(); return 0;
+    case WM_SIZE: OnSize(); return 0;
+    case WM_PAINT: Paint(); return 0;
+    case WM_ERASEBKGND: return 1;
+    case WM_NCACTIVATE: return 1; // no frame is drawn
+    case WM_NCCALCSIZE: return 0; // the client area is the whole window
+    case WM_NCHITTEST: return OnHitTest(wParam, lParam);
+    case WM_SETCURSOR: return OnSetCursor(wParam, lParam);
+    case WM_GETMINMAXINFO: OnGetMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
+    case WM_KEYDOWN: return 0; // keys act through the accelerators alone
+    case WM_COMMAND: OnCommand(LOWORD(wParam)); return 0;
+    case WM_MOUSEMOVE: return 0;
+    case WM_LBUTTONDBLCLK: return SendMessageW(Handle(), kMessageTogglePlay, 0, 0);
+    case WM_MOUSEWHEEL: OnMouseWheel(GET_WHEEL_DELTA_WPARAM(wParam)); return 0;
+    case WM_DROPFILES: OnDropFiles(reinterpret_cast<HDROP>(wParam)); return 0;
+    default: return OnCustomMessage(message, wParam, lParam);
+    }
+}
+
+LRESULT MainWindow::OnCustomMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case kMessageGraphEvent: OnGraphEvent(); return 0;
+    case kMessageTogglePlay: TogglePlayPause(); return 0;
+    case kMessageStop: StopPlayback(); return 0;
+    case kMessageStepBackward:
+        if (engine != nullptr) {
+            engine->SeekPreviousKeyFrame();
+        }
+        return 0;
+    case kMessageStepForward:
+        if (engine != nullptr) {
+            engine->SeekNextKeyFrame();
+        }
+        return 0;
+    case kMessageOpenDialog: ShowOpenDialog(); return 0;
+    case kMessageIsPlaying: return engine != nullptr && engine->state != kEngineStopped ? 1 : 0;
+    case kMessageSeek: SeekToTenThousandth(static_cast<int>(wParam)); return 0;
+    case kMessageSetVolume:
+        if (engine != nullptr) {
+            engine->SetVolume(static_cast<float>(wParam) / 100.0F);
+        }
+        return 0;
+    case kMessageSetMuted:
+        if (engine != nullptr) {
+            engine->SetMuted(wParam != 0);
+        }
+        return 0;
+    default: return Default(message, wParam, lParam);
+    }
+}
+
+} // namespace brindlecast

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "base/win32/registry_settings_store.h"
+#include "tests/e2e/environment.h"
+#include "tests/e2e/player.h"
+
+#include <gtest/gtest.h>
+
+namespace brindlecast::testing {
+
+inline constexpr Film kFilm{L"film.mkv", 320, 180, 25.0};
+inline constexpr Film kFilmMp4{L"film.mp4", 320, 180, 25.0};
+inline constexpr Film kSecondFilm{L"second.mkv", 320, 180, 30.0};
+inline constexpr Film kShortFilm{L"short.mkv", 320, 180, 25.0};
+inline constexpr Film kSilentFilm{L"silent.mkv", 320, 180, 25.0};
+inline constexpr Film kKoreanFilm{L"한국어 영화 01화.mkv", 320, 180, 25.0};
+
+// How far a reading of the screen may lie from the clock, in seconds: one frame of the film, one of the
+// reading, and the time that a photograph takes.
+inline constexpr double kScreenTolerance = 0.12;
+
+// Every test begins with an empty registry key, but for the sound's settings: full volume and no
+// normalisation, so that levels are those of the files.
+class ProgramTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Brindlecast");
+        store.WriteDword(L"Volume", 100);
+        store.WriteDword(L"AudioNormalize", 0);
+    }
+    void TearDown() override { EXPECT_EQ(CountPlayers(), 0) << "a process of the player was left behind"; }
+
+    RegistrySettingsStore store;
+};
+
+} // namespace brindlecast::testing

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "base/geometry.h"
+
+#include <windows.h>
+
+#include <string>
+
+namespace brindlecast::testing {
+
+// Keys and mouse as a user gives them: they go to whatever has the focus or lies under the cursor.
+
+void PressKey(WORD virtualKey);
+void TypeText(const std::wstring& text);
+
+void MoveCursor(Point screenPoint);
+void Click(Point screenPoint);
+void DoubleClick(Point screenPoint);
+// Presses at the first point, moves in steps, and lets go at the second.
+void Drag(Point from, Point to);
+void TurnWheel(Point screenPoint, int notches);
+
+} // namespace brindlecast::testing

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "base/win32/unique_handle.h"
+#include "tests/e2e/screen.h"
+
+#include <windows.h>
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace brindlecast::testing {
+
+// The display size of a film, which tells its place in the window.
+struct Film {
+    const wchar_t* name;
+    int width;
+    int height;
+    double framesPerSecond;
+};
+
+// A running player. Starting waits for its window; going ends the process if a test left it running.
+class Player {
+public:
+    explicit Player(const std::wstring& arguments = L"");
+    Player(const Player&) = delete;
+    Player& operator=(const Player&) = delete;
+    ~Player();
+
+    [[nodiscard]] HWND MainWindow() const { return mainWindow; }
+    [[nodiscard]] HWND VideoWindow() const;
+    [[nodiscard]] DWORD ProcessId() const { return processId; }
+    [[nodiscard]] bool IsRunning() const;
+    // True when the window answers a message within the reaction limit.
+    [[nodiscard]] bool Answers() const;
+    [[nodiscard]] std::wstring Title() const;
+
+    // Brings the main window to the front, as a click would.
+    void Activate();
+    // Types the path into the dialog that the key O opens.
+    void OpenByDialog(const std::wstring& path);
+    // Drops files onto the picture as a file manager would.
+    void Drop(const std::vector<std::wstring>& paths);
+    // Asks the window to close and waits for the process; its exit code, or nothing when it did not end in
+    // time.
+    [[nodiscard]] std::optional<DWORD> Close();
+
+    // The number in the mark on the screen at this moment.
+    [[nodiscard]] std::optional<int> FrameOnScreen(const Film& film) const;
+    // Waits until a frame with a readable mark stands on the screen.
+    [[nodiscard]] std::optional<int> WaitForFrame(const Film& film) const;
+    // Waits until the number on the screen is that one.
+    [[nodiscard]] bool WaitForFrameNumber(const Film& film, int number) const;
+    // Readings of the screen for a while, each with the position that the clock asks for.
+    [[nodiscard]] std::vector<TimedMark> Watch(const Film& film, std::chrono::milliseconds time) const;
+    // Playback state as the main window tells it: not stopped.
+    [[nodiscard]] bool IsOpen() const;
+    // The picture's place on the screen, whole pixels.
+    [[nodiscard]] Rect PictureOnScreen(const Film& film) const;
+    // Saves what the screen shows; for failures.
+    void Keep(const std::string& name) const;
+
+private:
+    UniqueHandle process;
+    DWORD processId = 0;
+    HWND mainWindow = nullptr;
+};
+
+// How many processes run the player.
+[[nodiscard]] int CountPlayers();
+
+} // namespace brindlecast::testing

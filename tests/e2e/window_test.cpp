@@ -1,0 +1,114 @@
+#include "tests/e2e/fixture.h"
+#include "tests/e2e/input.h"
+#include "tests/e2e/waits.h"
+
+namespace brindlecast::testing {
+namespace {
+
+class WindowTest : public ProgramTest {};
+
+Point MiddleOf(const Rect& rect) {
+    return {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
+}
+
+TEST_F(WindowTest, AFirstWindowIsCentredBlackAndFrameless) {
+    Player player;
+    const Rect window = ScreenRectOf(player.MainWindow());
+    EXPECT_EQ(window.Width(), 1200);
+    EXPECT_EQ(window.Height(), 816);
+    EXPECT_EQ(window.left, (GetSystemMetrics(SM_CXSCREEN) - 1200) / 2);
+    EXPECT_EQ(window.top, (GetSystemMetrics(SM_CYSCREEN) - 816) / 2);
+    EXPECT_TRUE(WaitUntil(limits::kReaction, "painting", [&] {
+        return PhotographScreen(window).BlackShare({0, 0, window.Width(), window.Height()}) == 1.0;
+    }));
+    const auto style = static_cast<DWORD>(GetWindowLongPtrW(player.MainWindow(), GWL_STYLE));
+    EXPECT_EQ(style & 0x82070000, 0x82070000);
+    const Rect video = ScreenRectOf(player.VideoWindow());
+    EXPECT_EQ(video, (Rect{window.left + 3, window.top + 35, window.right - 3, window.bottom - 63}));
+    EXPECT_EQ(player.Close(), 0U);
+}
+
+TEST_F(WindowTest, ADrawnEdgeResizesAndThePictureKeepsItsShape) {
+    Player player;
+    player.Drop({Media(kFilm.name)});
+    ASSERT_TRUE(player.WaitForFrame(kFilm).has_value());
+    Rect window = ScreenRectOf(player.MainWindow());
+    Drag({window.right - 2, MiddleOf(window).y}, {window.right - 402, MiddleOf(window).y});
+    window = ScreenRectOf(player.MainWindow());
+    EXPECT_NEAR(window.Width(), 800, 2);
+    ASSERT_TRUE(player.WaitForFrame(kFilm).has_value()) << "the mark must stand where the shape puts it";
+    const Rect video = ScreenRectOf(player.VideoWindow());
+    const Rect picture = player.PictureOnScreen(kFilm);
+    ASSERT_GT(picture.top, video.top + 50) << "a narrow window has bars above and below";
+    EXPECT_NEAR(picture.Width() * 9.0 / 16.0, picture.Height(), 1.0);
+    const Photograph photograph = PhotographScreen(video);
+    EXPECT_GT(photograph.BlackShare({0, 0, video.Width(), picture.top - video.top - 1}), 0.999);
+    EXPECT_GT(photograph.BlackShare({0, picture.bottom - video.top + 1, video.Width(), video.Height()}),
+              0.999);
+    EXPECT_LT(photograph.BlackShare({0, picture.top - video.top, video.Width(), picture.bottom - video.top}),
+              0.8);
+    EXPECT_EQ(player.Close(), 0U);
+}
+
+TEST_F(WindowTest, APressOnThePictureMovesTheWindow) {
+    Player player;
+    const Rect before = ScreenRectOf(player.MainWindow());
+    const Point start = MiddleOf(ScreenRectOf(player.VideoWindow()));
+    Drag(start, {start.x + 120, start.y + 60});
+    const Rect after = ScreenRectOf(player.MainWindow());
+    EXPECT_NEAR(after.left, before.left + 120, 2);
+    EXPECT_NEAR(after.top, before.top + 60, 2);
+    EXPECT_EQ(after.Width(), before.Width());
+    EXPECT_EQ(player.Close(), 0U);
+}
+
+TEST_F(WindowTest, TheWindowDoesNotGetSmallerThanItsLeastSize) {
+    Player player;
+    SetWindowPos(player.MainWindow(), nullptr, 300, 300, 50, 40, SWP_NOZORDER);
+    const Rect window = ScreenRectOf(player.MainWindow());
+    EXPECT_EQ(window.Width(), 200);
+    EXPECT_EQ(window.Height(), 100);
+    EXPECT_EQ(player.Close(), 0U);
+}
+
+TEST_F(WindowTest, AStoredPlaceOnNoMonitorIsCentred) {
+    store.WriteDword(L"WindowX", static_cast<std::uint32_t>(-10000));
+    store.WriteDword(L"WindowY", 0);
+    store.WriteDword(L"WindowW", 800);
+    store.WriteDword(L"WindowH", 600);
+    Player player;
+    const int x = (GetSystemMetrics(SM_CXSCREEN) - 800) / 2;
+    const int y = (GetSystemMetrics(SM_CYSCREEN) - 600) / 2;
+    EXPECT_EQ(ScreenRectOf(player.MainWindow()), (Rect{x, y, x + 800, y + 600}));
+    EXPECT_EQ(player.Close(), 0U);
+}
+
+TEST_F(WindowTest, EscapeMinimises) {
+    Player player;
+    player.Activate();
+    PressKey(VK_ESCAPE);
+    EXPECT_TRUE(
+        WaitUntil(limits::kReaction, "minimising", [&] { return IsIconic(player.MainWindow()) != FALSE; }));
+    EXPECT_EQ(player.Close(), 0U);
+}
+
+TEST_F(WindowTest, KeysActOnlyWhileTheMainWindowIsInFront) {
+    Player player;
+    player.Drop({Media(kFilm.name)});
+    ASSERT_TRUE(player.WaitForFrame(kFilm).has_value());
+    const HWND other = CreateWindowExW(0, L"STATIC", L"other", WS_POPUP | WS_VISIBLE, 0, 0, 100, 100, nullptr,
+                                       nullptr, nullptr, nullptr);
+    SetForegroundWindow(other);
+    ASSERT_TRUE(WaitUntil(limits::kReaction, "other window", [&] { return GetForegroundWindow() == other; }));
+    PressKey(VK_SPACE);
+    const std::optional<int> before = player.FrameOnScreen(kFilm);
+    LetPlay(std::chrono::milliseconds(600));
+    const std::optional<int> after = player.FrameOnScreen(kFilm);
+    DestroyWindow(other);
+    ASSERT_TRUE(before && after);
+    EXPECT_GT(*after, *before) << "the film must have gone on";
+    EXPECT_EQ(player.Close(), 0U);
+}
+
+} // namespace
+} // namespace brindlecast::testing

@@ -1,0 +1,52 @@
+#include "app/accelerators.h"
+#include "app/recent_list.h"
+#include "app/volume_step.h"
+
+#include <gtest/gtest.h>
+
+namespace brindlecast {
+namespace {
+
+TEST(RecentList, ANewPathComesFirst) {
+    std::vector<std::wstring> list{L"a", L"b"};
+    PutInFront(list, L"c");
+    EXPECT_EQ(list, (std::vector<std::wstring>{L"c", L"a", L"b"}));
+}
+
+TEST(RecentList, AKnownPathMovesAndCaseMatters) {
+    std::vector<std::wstring> list{L"a", L"b", L"c"};
+    PutInFront(list, L"b");
+    EXPECT_EQ(list, (std::vector<std::wstring>{L"b", L"a", L"c"}));
+    PutInFront(list, L"B");
+    EXPECT_EQ(list, (std::vector<std::wstring>{L"B", L"b", L"a", L"c"}));
+}
+
+TEST(RecentList, HoldsTenEntries) {
+    std::vector<std::wstring> list;
+    for (int i = 0; i < 12; ++i) {
+        PutInFront(list, std::to_wstring(i));
+    }
+    EXPECT_EQ(list.size(), 10U);
+    EXPECT_EQ(list.front(), L"11");
+    EXPECT_EQ(list.back(), L"2");
+}
+
+TEST(VolumeStep, MovesByAFiveHundredthAndStaysInRange) {
+    EXPECT_FLOAT_EQ(StepVolume(0.5F, true), 0.55F);
+    EXPECT_FLOAT_EQ(StepVolume(0.5F, false), 0.45F);
+    EXPECT_EQ(StepVolume(0.98F, true), 1.0F);
+    EXPECT_EQ(StepVolume(0.02F, false), 0.0F);
+}
+
+TEST(KeyboardMap, EveryRowHasItsKeyAndCommand) {
+    const std::pair<int, int> expected[] = {{0x20, 6001}, {0x25, 6002}, {0x27, 6003},
+                                            {0x50, 6001}, {0x4F, 6040}, {0x1B, 6042}};
+    ASSERT_EQ(kKeyboardMap.size(), std::size(expected));
+    for (std::size_t i = 0; i < kKeyboardMap.size(); ++i) {
+        EXPECT_EQ(kKeyboardMap[i].virtualKey, expected[i].first);
+        EXPECT_EQ(kKeyboardMap[i].command, expected[i].second);
+    }
+}
+
+} // namespace
+} // namespace brindlecast
