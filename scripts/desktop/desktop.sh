@@ -1,3 +1,4 @@
+# shellcheck shell=bash source-path=SCRIPTDIR/../..
 # Private desktops for programs under Wine: a virtual display with a compositor and no window manager, a sound sink
 # that is recorded instead of heard, a Wine prefix. Source this file, then
 #
@@ -129,7 +130,7 @@ with_desktop() (
     mkdir -p "$brindlecast_root/build/wine"
     exec {desktop_lock}>"$prefix.lock"
     flock -n "$desktop_lock" || { desktop_say "waiting for another desktop named $name"; flock "$desktop_lock"; }
-    desktop_pids= desktop_wine_started= desktop_command_pid= desktop_record_pids=
+    desktop_pids='' desktop_wine_started='' desktop_command_pid='' desktop_record_pids=''
     desktop_folder=$(mktemp -d "${TMPDIR:-/tmp}/brindlecast.XXXXXX") || exit
     export desktop_folder
     trap desktop_stop EXIT

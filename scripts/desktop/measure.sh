@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2154
 # Measures whether a player on the present desktop really shows and plays a file. Sourced, after desktop.sh.
 #
 #   measure_file FILE STEM TITLE HAND_OVER…
@@ -17,7 +18,7 @@ probe_streams() { # FILE SELECTOR ENTRIES: one line a stream
 
 # The end of a stretch that begins at 0, from the output of ffmpeg's blackdetect or silencedetect; 0 without one.
 first_stretch_end() { # START_WORD END_WORD
-    tr ' \r' '\n\n' | awk -v first="$1" -v last="$2" '
+    tr ' ' '\n' | tr '\r' '\n' | awk -v first="$1" -v last="$2" '
         { split($0, part, ":"); if (part[2] == "") { if ($0 ~ /^-?[0-9.]+$/ && word != "") value = $0; else { word = part[1]; next } }
           else { word = part[1]; value = part[2] }
           if (word == first && !begun) { begun = 1; if (value > 0.3) exit }

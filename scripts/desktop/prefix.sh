@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2154
 # Functions that make and keep Wine prefixes. Sourced; needs brindlecast_root.
 
 # What every Wine program of ours runs with. winemenubuilder would write into the user's own menus.

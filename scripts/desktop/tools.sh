@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2154
 # Small native programs that scripts and tests work with, compiled when first asked for. Sourced; needs
 # brindlecast_root.
 

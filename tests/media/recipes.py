@@ -4,6 +4,7 @@ import pathlib
 import subprocess
 
 LEVEL = -20.0  # dBFS of every tone
+MP3_LEVEL = -20.445  # the encoder scales its input by 0.95
 
 KOREAN_FILM = "한국어 영화 01화.mkv"
 
@@ -62,12 +63,12 @@ class Kitchen:
             raise RuntimeError(f"marked_source failed for {name}")
         self.facts[name] = {"first_number": first, "tones": list(tones), "tone_level": LEVEL if tones else None}
 
-    def song(self, name, options, *, seconds=20, tone=440, inputs=()):
+    def song(self, name, options, *, seconds=20, tone=440, inputs=(), level=LEVEL):
         arguments = self.sound(seconds, tone)
         for extra in inputs:
             arguments += ["-i", extra]
         self.ffmpeg([*arguments, *options, self.folder / name])
-        self.facts[name] = {"tones": [tone], "tone_level": LEVEL}
+        self.facts[name] = {"tones": [tone], "tone_level": level}
 
     def copy_facts(self, name, original):
         self.facts[name] = dict(self.facts[original])
@@ -121,8 +122,10 @@ def anamorphic(k):
 
 def rotated(k):
     # Upright as 180x320 once turned clockwise by a quarter, as the metadata asks; stored lying.
-    k.film("rotated.mp4", size=(180, 320), seconds=10, filters="transpose=cclock",
-           options=["-metadata:s:v:0", "rotate=90"])
+    # The muxer takes the angle, counted anticlockwise, from copied streams only.
+    lying = k.work / "lying.mp4"
+    k.film("rotated.mp4", size=(180, 320), seconds=10, filters="transpose=cclock", output=[lying])
+    k.ffmpeg(["-i", lying, "-c", "copy", "-metadata:s:v:0", "rotate=-90", k.folder / "rotated.mp4"])
 
 
 def film_bt601(k):
@@ -146,11 +149,11 @@ def faststart_mp4(k):
 def songs(k):
     cover = k.work / "cover.jpg"
     k.ffmpeg(["-f", "lavfi", "-i", "testsrc=size=300x300", "-frames:v", "1", "-q:v", "3", "-update", "1", cover])
-    k.song("song.mp3", ["-c:a", "libmp3lame", "-b:a", "160k"])
+    k.song("song.mp3", ["-c:a", "libmp3lame", "-b:a", "160k"], level=MP3_LEVEL)
     k.song("song.flac", ["-c:a", "flac"])
     art = ["-map", "0:a", "-map", "1:v", "-c:v", "copy", "-disposition:v:0", "attached_pic"]
     k.song("song_cover.mp3", [*art, "-c:a", "libmp3lame", "-b:a", "160k", "-id3v2_version", "3"], inputs=[cover],
-           seconds=10)
+           seconds=10, level=MP3_LEVEL)
     k.song("song_cover.m4a", [*art, "-c:a", "aac", "-b:a", "160k"], inputs=[cover], seconds=10)
 
 

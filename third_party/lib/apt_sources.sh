@@ -16,7 +16,8 @@ private_apt() {
     "$tool" -q -o Dir::Etc::sourcelist=/dev/null -o Dir::Etc::sourceparts="$cache/apt/sources.d" \
         -o Dir::State::lists="$cache/apt/lists" -o Dir::Cache="$cache/apt/cache" \
         -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache= \
-        -o APT::Sandbox::User=root -o Acquire::Languages=none -o Acquire::Retries=2 -o Acquire::Retries::Delay::Maximum=2 \
+        -o APT::Sandbox::User=root -o Acquire::Languages=none \
+        -o Acquire::Retries=2 -o Acquire::Retries::Delay::Maximum=2 \
         -o Acquire::AllowInsecureRepositories=false -o APT::Get::AllowUnauthenticated=false "$@"
 }
 
@@ -50,9 +51,9 @@ derive_from_list() {
 # The same for the deb822 format: paragraphs on stdin, paragraphs on stdout.
 derive_from_deb822() {
     awk -v name="$debian_codename" '
-        function flush_paragraph(   i, count, word, suites, main) {
-            if (field["types"] == "" || tolower(field["enabled"]) ~ /^[ \t]*(no|false|off|0)[ \t]*$/) { reset(); return }
-            if ((" " field["types"] " ") !~ /[ \t](deb|deb-src)[ \t]/) { reset(); return }
+        function flush_paragraph(   i, count, word, suites, main, off) {
+            off = tolower(field["enabled"]) ~ /^[ \t]*(no|false|off|0)[ \t]*$/
+            if (off || (" " field["types"] " ") !~ /[ \t](deb|deb-src)[ \t]/) { reset(); return }
             count = split(field["suites"], word, /[ \t\n]+/)
             for (i = 1; i <= count; i++)
                 if (word[i] ~ "^(" name "|stable|oldstable)((-|/)(updates|security))?$") suites = suites " " word[i]
@@ -108,7 +109,8 @@ drop_foreign_entries() {
         fi
     done < <(private_apt apt-get indextargets --format '$(SOURCESENTRY)|$(ORIGIN)|$(CODENAME)|$(TRUSTED)' \
         'Created-By: Sources')
-    [[ $kept == yes ]] || die "apt found no signed source index of Debian's $debian_codename (see $cache/apt/update.log)"
+    [[ $kept == yes ]] ||
+        die "apt found no signed source index of Debian's $debian_codename (see $cache/apt/update.log)"
 }
 
 # Once a run, and only in runs that need a source package.

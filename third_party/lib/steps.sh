@@ -18,9 +18,10 @@ choose_source() {
     chosen_folder="$cache/sources/$source_package/${chosen_version//:/%3a}"
     [[ $(branch_of "$chosen_version") == "$(branch_of "$version")" ]] ||
         die "$library: the archive has $chosen_version, the recipe is written for branch $(branch_of "$version")"
-    [[ -n $(find_orig) ]] || die "$library: the tarball of $chosen_version can't be fetched ($cache/apt/download-$source_package.log)"
+    local log="$cache/apt/download-$source_package.log"
+    [[ -n $(find_orig) ]] || die "$library: the tarball of $chosen_version can't be fetched (see $log)"
     if [[ -z $(find_debian_tarball) && $debian_tarball == required ]]; then
-        die "$library: Debian's patches for $chosen_version can't be fetched ($cache/apt/download-$source_package.log)"
+        die "$library: Debian's patches for $chosen_version can't be fetched (see $log)"
     fi
 }
 
@@ -102,7 +103,8 @@ EOF
 check_imports() {
     local file runtime
     while read -r file; do
-        runtime=$("$OBJDUMP" -p "$file" | sed -n 's/^\tDLL Name: //p' | grep -iE '^lib(gcc|stdc\+\+|winpthread|ssp|atomic)' || true)
+        runtime=$("$OBJDUMP" -p "$file" | sed -n 's/^\tDLL Name: //p' |
+            grep -iE '^lib(gcc|stdc\+\+|winpthread|ssp|atomic)' || true)
         [[ -z $runtime ]] || die "$library: $(basename "$file") imports the compiler's runtime: $runtime"
     done < <(find "$1" -name '*.dll' -o -name '*.exe')
 }

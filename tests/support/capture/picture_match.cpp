@@ -204,7 +204,7 @@ struct Motion {
 
 struct Nearest {
     double meanSquare;
-    double distance; // seconds from its place
+    double offset; // seconds from its place, later ones positive
 };
 
 // How well the picture agrees with the film around the place where it ought to be; the place itself is
@@ -213,10 +213,10 @@ Nearest NearestFrame(const Thumbnail& picture, const ReferenceFilm& film, double
     Nearest best{MeanSquare(picture, FrameAt(film, position)), 0};
     const double frame = 1 / film.framesPerSecond;
     for (double distance = frame; distance <= kLongestHesitation; distance += frame) {
-        for (const double at : {position - distance, position + distance}) {
-            const double meanSquare = MeanSquare(picture, FrameAt(film, at));
+        for (const double offset : {-distance, distance}) {
+            const double meanSquare = MeanSquare(picture, FrameAt(film, position + offset));
             if (meanSquare < 0.9 * best.meanSquare) {
-                best = {meanSquare, distance};
+                best = {meanSquare, offset};
             }
         }
     }
@@ -240,7 +240,7 @@ Motion MeasureMotion(std::span<const Grab> grabs, std::span<const Thumbnail> pic
         motion.meanSquare += nearest.meanSquare;
         if (Decibels(nearest.meanSquare) >= kLeastDecibels) {
             ++motion.good;
-            motion.hesitation = std::max(motion.hesitation, nearest.distance);
+            motion.hesitation = std::max(motion.hesitation, std::abs(nearest.offset));
         }
         ++compared;
         if (previous) {
@@ -260,7 +260,7 @@ Motion MeasureMotion(std::span<const Grab> grabs, std::span<const Thumbnail> pic
 // First guesses at the place, when the delay is not known yet; the likeliest first.
 std::vector<Place> GuessPlaces(std::span<const Grab> grabs, const ReferenceFilm& film) {
     constexpr std::size_t kGuesses = 5;
-    constexpr PlaceRange kAnywhere{0, 8, 4, 0, 64, 4, 0, 64, 4};
+    constexpr PlaceRange kAnywhere{0, 8, 4, 0, 64, 8, 0, 128, 8};
     const Grab& liveliest = Liveliest(grabs);
     std::vector<Thumbnail> frames;
     const double last = std::min(liveliest.time, Length(film));
@@ -274,11 +274,15 @@ std::vector<Place> GuessPlaces(std::span<const Grab> grabs, const ReferenceFilm&
 
 // The place to the pixel, when the frame that the liveliest picture shows is known.
 Place RefinePlace(std::span<const Grab> grabs, const ReferenceFilm& film, const Place& guess, double delay) {
-    constexpr int kReach = 4;
+    constexpr int kReach = 6;
     const Grab& liveliest = Liveliest(grabs);
+    const Thumbnail& model = film.frames.front();
+    const double expected = liveliest.time - delay;
+    const Thumbnail guessed = Sample(liveliest.window, guess.rect, model.width, model.height);
+    const double shown = expected + NearestFrame(guessed, film, expected).offset;
     std::vector<Thumbnail> frames;
     for (const int step : {-1, 0, 1}) {
-        frames.push_back(FrameAt(film, liveliest.time - delay + step / film.framesPerSecond));
+        frames.push_back(FrameAt(film, shown + step / film.framesPerSecond));
     }
     const auto from = [](int value) {
         return std::max(0, value - kReach);
@@ -398,7 +402,8 @@ PictureVerdict JudgePicture(std::span<const Grab> grabs, const ReferenceFilm& fi
         return refuse("the picture stands still while the film moves");
     }
     if (motion.good < kLeastShare) {
-        return refuse("the pictures are not those of the film at its own pace");
+        return refuse("the pictures are not those of the film at its own pace, but for " +
+                      std::to_string(std::lround(motion.good * 100)) + " %");
     }
     verdict.seen = true;
     return verdict;

@@ -18,11 +18,13 @@ constexpr int kDecimation = 6;
 constexpr double kLongestDelay = 8.0;
 constexpr double kSounding = -60.0;
 constexpr double kAudible = -75.0;
-// Unrelated sounds stay below 0.3; the same sound behind a normaliser, or mixed down by other factors, keeps
-// 0.6.
-constexpr double kLeastLikeness = 0.5;
-// A pause of the whole sound moves what follows it; a second may be that far from its place.
-constexpr double kReachOfSecond = 0.3;
+// Unrelated sounds stay below 0.1. The same sound keeps 0.6 behind a normaliser or mixed down by other
+// factors, and on a machine so busy that it stutters.
+constexpr double kLeastLikeness = 0.4;
+// A pause of the whole sound moves what follows it; pieces of this length are compared, each of which may be
+// this far from its place.
+constexpr double kPiece = 0.25;
+constexpr double kReachOfPiece = 0.3;
 constexpr double kLeastCoverage = 0.9;
 constexpr double kTenth = 0.1;
 
@@ -129,43 +131,43 @@ Recording Part(const Recording& sound, double begin, double end) {
     return {sound.rate, {left.begin(), left.end()}, {right.begin(), right.end()}};
 }
 
-// The best correlation of one recorded second with the source near its place; nothing where the source is
+// The best correlation of one recorded piece with the source near its place; nothing where the source is
 // silent.
-std::optional<double> LikenessOfSecond(const Recording& small, double at, const Recording& film,
-                                       double place) {
-    const Recording second = Part(small, at, at + 1);
-    const Recording here = Part(film, place, place + 1);
-    const Recording around = Part(film, place - kReachOfSecond, place + 1 + kReachOfSecond);
+std::optional<double> LikenessOfPiece(const Recording& small, double at, const Recording& film,
+                                      double place) {
+    const Recording piece = Part(small, at, at + kPiece);
+    const Recording here = Part(film, place, place + kPiece);
+    const Recording around = Part(film, place - kReachOfPiece, place + kPiece + kReachOfPiece);
     const auto count = static_cast<double>(here.left.size());
-    if (second.left.size() != here.left.size() || Energy(here) < count * std::pow(10.0, kSounding / 10)) {
+    if (piece.left.size() != here.left.size() || Energy(here) < count * std::pow(10.0, kSounding / 10)) {
         return std::nullopt;
     }
-    const std::vector<double> left = Correlate(second.left, around.left);
-    const std::vector<double> right = Correlate(second.right, around.right);
+    const std::vector<double> left = Correlate(piece.left, around.left);
+    const std::vector<double> right = Correlate(piece.right, around.right);
     const std::vector<double> energy = RunningEnergy(around.left, around.right);
-    const double own = Energy(second);
+    const double own = Energy(piece);
     double best = 0;
-    for (std::size_t shift = 0; shift + second.left.size() <= around.left.size(); ++shift) {
-        const double other = energy[shift + second.left.size()] - energy[shift];
+    for (std::size_t shift = 0; shift + piece.left.size() <= around.left.size(); ++shift) {
+        const double other = energy[shift + piece.left.size()] - energy[shift];
         const double norm = std::sqrt(own * other);
-        const std::size_t index = shift + second.left.size();
+        const std::size_t index = shift + piece.left.size();
         best = std::max(best, norm > 1e-9 ? (left[index] + right[index]) / norm : 0.0);
     }
     return best;
 }
 
-// Mean over the recorded seconds.
+// Mean over the pieces.
 double Likeness(const Recording& small, double recordedAt, const Recording& film, double delay) {
     double sum = 0;
-    int seconds = 0;
+    int pieces = 0;
     const double length = static_cast<double>(small.left.size()) / small.rate;
-    for (double at = std::max(0.0, delay - recordedAt); at + 1 <= length; ++at) {
-        if (const auto likeness = LikenessOfSecond(small, at, film, at + recordedAt - delay)) {
+    for (double at = std::max(0.0, delay - recordedAt); at + kPiece <= length; at += kPiece) {
+        if (const auto likeness = LikenessOfPiece(small, at, film, at + recordedAt - delay)) {
             sum += *likeness;
-            ++seconds;
+            ++pieces;
         }
     }
-    return seconds > 0 ? sum / seconds : 0.0;
+    return pieces > 0 ? sum / pieces : 0.0;
 }
 
 bool IsSure(const std::vector<Candidate>& candidates, const Candidate& best) {

@@ -14,7 +14,7 @@ struct SoundMatch {
     std::string complaint;    // why not
     double level = kNoLevel;  // of the recording where the source sounds, dBFS
     double source = kNoLevel; // of the source there
-    double likeness = 0;      // mean correlation of the recorded seconds with the source, -1 to 1
+    double likeness = 0;      // mean correlation of the recorded pieces with the source, -1 to 1
     double coverage = 0; // share of the source's sounding tenths of a second that sounded in the recording
     double delay = 0;    // from the hand-over to the moment when the source's beginning was heard
     bool delayIsSure = false; // no other delay explains the recording nearly as well (a steady tone has many)

@@ -81,6 +81,18 @@ TEST(SoundMatch, ChangingVolumeAndAShortPauseDoNoHarm) {
     EXPECT_TRUE(MatchSound(paused, -0.5, source).heard);
 }
 
+TEST(SoundMatch, StutterOfABusyMachinePasses) {
+    const Recording source = Music(1, 8);
+    Recording stutter = Heard(source, 0.7, 7);
+    for (auto* channel : {&stutter.left, &stutter.right}) {
+        for (std::ptrdiff_t at = 2 * kRate; at < 6 * kRate; at += kRate / 4) {
+            channel->insert(channel->begin() + at, kRate / 100, 0.0);
+        }
+    }
+    const SoundMatch match = MatchSound(stutter, -0.5, source);
+    EXPECT_TRUE(match.heard) << match.complaint << match.likeness;
+}
+
 TEST(SoundMatch, ASourceThatBeginsQuietlyPasses) {
     Recording source = Music(1, 9);
     std::fill_n(source.left.begin(), 4 * kRate, 0.0);
