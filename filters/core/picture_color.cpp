@@ -20,32 +20,24 @@ struct LumaWeights {
 
 LumaWeights WeightsOf(YuvMatrixKind kind) {
     switch (kind) {
-    case YuvMatrixKind::kBt601:
-        return {0.299, 0.114};
-    case YuvMatrixKind::kSmpte240:
-        return {0.212, 0.087};
-    case YuvMatrixKind::kBt2020:
-        return {0.2627, 0.0593};
+    case YuvMatrixKind::kBt601: return {0.299, 0.114};
+    case YuvMatrixKind::kSmpte240: return {0.212, 0.087};
+    case YuvMatrixKind::kBt2020: return {0.2627, 0.0593};
     case YuvMatrixKind::kUnknown:
-    case YuvMatrixKind::kBt709:
-        break;
+    case YuvMatrixKind::kBt709: break;
     }
     return {0.2126, 0.0722};
 }
 
 YuvMatrixKind MatrixFromBits(std::uint32_t bits) {
     switch (bits) {
-    case 1:
-        return YuvMatrixKind::kBt709;
-    case 2:
-        return YuvMatrixKind::kBt601;
-    case 3:
-        return YuvMatrixKind::kSmpte240;
+    case 1: return YuvMatrixKind::kBt709;
+    case 2: return YuvMatrixKind::kBt601;
+    case 3: return YuvMatrixKind::kSmpte240;
     case 4: // 10 bit
     case 5: // 12 bit
         return YuvMatrixKind::kBt2020;
-    default:
-        return YuvMatrixKind::kUnknown;
+    default: return YuvMatrixKind::kUnknown;
     }
 }
 
@@ -86,7 +78,8 @@ ColorMatrix MatrixFor(PixelFormat format, const ColorInfo& color) {
     if (format == PixelFormat::kRgb32) {
         return {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
     }
-    // `full` is what the texture value 1.0 stands for in codes of 8 bit; P010 keeps its ten bits at the top of sixteen.
+    // `full` is what the texture value 1.0 stands for in codes of 8 bit; P010 keeps its ten bits at the top
+    // of sixteen.
     const double full = format == PixelFormat::kP010 ? 65535.0 / 256.0 : 255.0;
     const double top = format == PixelFormat::kP010 ? 1023.0 / 4.0 : 255.0;
     const bool limited = color.range == NominalRange::kLimited;

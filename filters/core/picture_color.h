@@ -51,6 +51,7 @@ struct ChromaMapping {
 };
 
 /// `size` is that of the luma texture.
-[[nodiscard]] ChromaMapping ChromaMappingFor(PixelFormat format, PictureSize size, const ChromaSiting& siting);
+[[nodiscard]] ChromaMapping ChromaMappingFor(PixelFormat format, PictureSize size,
+                                             const ChromaSiting& siting);
 
 } // namespace brindlecast

@@ -4,21 +4,19 @@ namespace brindlecast {
 
 namespace {
 
-int Half(int value) { return (value + 1) / 2; }
+int Half(int value) {
+    return (value + 1) / 2;
+}
 
 /// Bytes of one row of the first (or only) plane.
 std::ptrdiff_t FirstPitch(const PictureMemory& memory) {
     switch (memory.format) {
     case PixelFormat::kNv12:
-    case PixelFormat::kYv12:
-        return memory.stride;
-    case PixelFormat::kP010:
-        return std::ptrdiff_t{memory.stride} * 2;
-    case PixelFormat::kYuy2:
-        return std::ptrdiff_t{Half(memory.stride)} * 4;
+    case PixelFormat::kYv12: return memory.stride;
+    case PixelFormat::kP010: return std::ptrdiff_t{memory.stride} * 2;
+    case PixelFormat::kYuy2: return std::ptrdiff_t{Half(memory.stride)} * 4;
     case PixelFormat::kAyuv:
-    case PixelFormat::kRgb32:
-        return std::ptrdiff_t{memory.stride} * 4;
+    case PixelFormat::kRgb32: return std::ptrdiff_t{memory.stride} * 4;
     }
     return 0;
 }
@@ -34,8 +32,8 @@ PicturePlane MakePlane(TexelType texel, std::size_t base, std::ptrdiff_t pitch, 
     return plane;
 }
 
-PictureLayout SemiPlanar(const PictureMemory& memory, TexelType luma, TexelType chroma, const PictureRect& part,
-                         const PictureRect& half) {
+PictureLayout SemiPlanar(const PictureMemory& memory, TexelType luma, TexelType chroma,
+                         const PictureRect& part, const PictureRect& half) {
     const std::ptrdiff_t pitch = FirstPitch(memory);
     const std::size_t lumaBytes = static_cast<std::size_t>(pitch) * static_cast<std::size_t>(memory.lines);
     // An odd number of pixels needs one byte pair more than the luma row has bytes.
@@ -44,14 +42,17 @@ PictureLayout SemiPlanar(const PictureMemory& memory, TexelType luma, TexelType 
     layout.planeCount = 2;
     layout.planes[0] = MakePlane(luma, 0, pitch, part);
     layout.planes[1] = MakePlane(chroma, lumaBytes, chromaPitch, half);
-    layout.bytes = lumaBytes + static_cast<std::size_t>(chromaPitch) * static_cast<std::size_t>(Half(memory.lines));
+    layout.bytes =
+        lumaBytes + static_cast<std::size_t>(chromaPitch) * static_cast<std::size_t>(Half(memory.lines));
     return layout;
 }
 
 PictureLayout Planar(const PictureMemory& memory, const PictureRect& part, const PictureRect& half) {
     const std::ptrdiff_t chromaPitch = Half(memory.stride);
-    const std::size_t lumaBytes = static_cast<std::size_t>(memory.stride) * static_cast<std::size_t>(memory.lines);
-    const std::size_t chromaBytes = static_cast<std::size_t>(chromaPitch) * static_cast<std::size_t>(Half(memory.lines));
+    const std::size_t lumaBytes =
+        static_cast<std::size_t>(memory.stride) * static_cast<std::size_t>(memory.lines);
+    const std::size_t chromaBytes =
+        static_cast<std::size_t>(chromaPitch) * static_cast<std::size_t>(Half(memory.lines));
     PictureLayout layout;
     layout.planeCount = 3;
     layout.planes[0] = MakePlane(TexelType::kOne8, 0, memory.stride, part);
@@ -79,22 +80,22 @@ PictureLayout Packed(const PictureMemory& memory, TexelType texel, const Picture
 } // namespace
 
 bool IsValid(const PictureMemory& memory) {
-    const auto sane = [](int side) { return side >= 1 && side <= kMaxPictureSide; };
+    const auto sane = [](int side) {
+        return side >= 1 && side <= kMaxPictureSide;
+    };
     return sane(memory.stride) && sane(memory.lines) && !memory.visible.Empty() && memory.visible.left >= 0 &&
-           memory.visible.top >= 0 && memory.visible.right <= memory.stride && memory.visible.bottom <= memory.lines;
+           memory.visible.top >= 0 && memory.visible.right <= memory.stride &&
+           memory.visible.bottom <= memory.lines;
 }
 
 PictureSize ChromaSpan(PixelFormat format) {
     switch (format) {
     case PixelFormat::kNv12:
     case PixelFormat::kP010:
-    case PixelFormat::kYv12:
-        return {2, 2};
-    case PixelFormat::kYuy2:
-        return {2, 1};
+    case PixelFormat::kYv12: return {2, 2};
+    case PixelFormat::kYuy2: return {2, 1};
     case PixelFormat::kAyuv:
-    case PixelFormat::kRgb32:
-        break;
+    case PixelFormat::kRgb32: break;
     }
     return {1, 1};
 }
@@ -102,15 +103,11 @@ PictureSize ChromaSpan(PixelFormat format) {
 int BitsPerPixel(PixelFormat format) {
     switch (format) {
     case PixelFormat::kNv12:
-    case PixelFormat::kYv12:
-        return 12;
-    case PixelFormat::kP010:
-        return 24;
-    case PixelFormat::kYuy2:
-        return 16;
+    case PixelFormat::kYv12: return 12;
+    case PixelFormat::kP010: return 24;
+    case PixelFormat::kYuy2: return 16;
     case PixelFormat::kAyuv:
-    case PixelFormat::kRgb32:
-        break;
+    case PixelFormat::kRgb32: break;
     }
     return 32;
 }
@@ -122,12 +119,9 @@ PictureLayout LayoutOf(const PictureMemory& memory) {
     part.top -= part.top % span.height;
     const PictureRect half{part.left / 2, part.top / 2, Half(part.right), Half(part.bottom)};
     switch (memory.format) {
-    case PixelFormat::kNv12:
-        return SemiPlanar(memory, TexelType::kOne8, TexelType::kTwo8, part, half);
-    case PixelFormat::kP010:
-        return SemiPlanar(memory, TexelType::kOne16, TexelType::kTwo16, part, half);
-    case PixelFormat::kYv12:
-        return Planar(memory, part, half);
+    case PixelFormat::kNv12: return SemiPlanar(memory, TexelType::kOne8, TexelType::kTwo8, part, half);
+    case PixelFormat::kP010: return SemiPlanar(memory, TexelType::kOne16, TexelType::kTwo16, part, half);
+    case PixelFormat::kYv12: return Planar(memory, part, half);
     case PixelFormat::kYuy2: {
         PictureLayout layout = Packed(memory, TexelType::kTwo8, part);
         layout.planes[1] = MakePlane(TexelType::kFour8, 0, 0, {half.left, part.top, half.right, part.bottom});
@@ -136,10 +130,8 @@ PictureLayout LayoutOf(const PictureMemory& memory) {
         layout.planeCount = 2;
         return layout;
     }
-    case PixelFormat::kAyuv:
-        return Packed(memory, TexelType::kFour8, part);
-    case PixelFormat::kRgb32:
-        return Packed(memory, TexelType::kFour8Bgr, part);
+    case PixelFormat::kAyuv: return Packed(memory, TexelType::kFour8, part);
+    case PixelFormat::kRgb32: return Packed(memory, TexelType::kFour8Bgr, part);
     }
     return {};
 }

@@ -33,15 +33,12 @@ enum class TexelType { kOne8, kTwo8, kFour8, kFour8Bgr, kOne16, kTwo16 };
 
 [[nodiscard]] constexpr int TexelBytes(TexelType type) {
     switch (type) {
-    case TexelType::kOne8:
-        return 1;
+    case TexelType::kOne8: return 1;
     case TexelType::kTwo8:
-    case TexelType::kOne16:
-        return 2;
+    case TexelType::kOne16: return 2;
     case TexelType::kFour8:
     case TexelType::kFour8Bgr:
-    case TexelType::kTwo16:
-        return 4;
+    case TexelType::kTwo16: return 4;
     }
     return 0;
 }
@@ -79,8 +76,8 @@ struct PictureMemory {
 /// Largest width and height that is taken; Direct3D 11 textures end there.
 inline constexpr int kMaxPictureSide = 16384;
 
-/// False when the numbers can't describe a picture: a side outside 1..kMaxPictureSide, or a visible part that is empty
-/// or reaches outside. LayoutOf must only be asked about memory that passed.
+/// False when the numbers can't describe a picture: a side outside 1..kMaxPictureSide, or a visible part that
+/// is empty or reaches outside. LayoutOf must only be asked about memory that passed.
 [[nodiscard]] bool IsValid(const PictureMemory& memory);
 
 /// The textures of a picture. A YUY2 picture is described twice: plane 0 is read for luma alone (first of two

@@ -33,14 +33,9 @@ std::array<TextureCoordinate, 4> CornerCoordinates(const Orientation& orientatio
     case 90: // the stored picture's bottom left comes to stand at the top left
         corners = {bottomLeft, topLeft, bottomRight, topRight};
         break;
-    case 180:
-        corners = {bottomRight, bottomLeft, topRight, topLeft};
-        break;
-    case 270:
-        corners = {topRight, bottomRight, topLeft, bottomLeft};
-        break;
-    default:
-        break;
+    case 180: corners = {bottomRight, bottomLeft, topRight, topLeft}; break;
+    case 270: corners = {topRight, bottomRight, topLeft, bottomLeft}; break;
+    default: break;
     }
     if (orientation.flip) {
         std::swap(corners[0], corners[1]);
@@ -64,31 +59,10 @@ TexturePart PartOfSource(const PictureRect& source, PictureSize display, const O
     switch (orientation.rotation) {
     case 90: // x on the screen runs up the stored picture
         return {shown.top, 1 - shown.right, shown.bottom, 1 - shown.left};
-    case 180:
-        return {1 - shown.right, 1 - shown.bottom, 1 - shown.left, 1 - shown.top};
-    case 270:
-        return {1 - shown.bottom, shown.left, 1 - shown.top, shown.right};
-    default:
-        return shown;
+    case 180: return {1 - shown.right, 1 - shown.bottom, 1 - shown.left, 1 - shown.top};
+    case 270: return {1 - shown.bottom, shown.left, 1 - shown.top, shown.right};
+    default: return shown;
     }
-}
-
-PictureRect FitInside(PictureSize picture, PictureSize window) {
-    if (picture.width < 1 || picture.height < 1 || window.width < 1 || window.height < 1) {
-        return {};
-    }
-    const std::int64_t byHeight = std::int64_t{window.height} * picture.width;
-    const std::int64_t byWidth = std::int64_t{window.width} * picture.height;
-    int width = window.width;
-    int height = window.height;
-    if (byWidth > byHeight) {
-        width = std::max(1, static_cast<int>(byHeight / picture.height));
-    } else {
-        height = std::max(1, static_cast<int>(byWidth / picture.width));
-    }
-    const int left = (window.width - width) / 2;
-    const int top = (window.height - height) / 2;
-    return {left, top, left + width, top + height};
 }
 
 int RotationOfDisplayMatrix(const std::array<std::int32_t, 9>& matrix) {

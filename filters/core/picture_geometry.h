@@ -40,16 +40,13 @@ struct TexturePart {
 [[nodiscard]] std::array<TextureCoordinate, 4> CornerCoordinates(const Orientation& orientation,
                                                                  const TexturePart& part);
 
-/// The part of the stored picture that a source rectangle selects, the rectangle being measured in the display
-/// size (as GetVideoSize tells it) of the turned and mirrored picture.
-[[nodiscard]] TexturePart PartOfSource(const PictureRect& source, PictureSize display, const Orientation& orientation);
+/// The part of the stored picture that a source rectangle selects, the rectangle being measured in the
+/// display size (as GetVideoSize tells it) of the turned and mirrored picture.
+[[nodiscard]] TexturePart PartOfSource(const PictureRect& source, PictureSize display,
+                                       const Orientation& orientation);
 
-/// The largest rectangle with the picture's shape in the middle of a window; where both shapes are equal it is
-/// the window. Empty sizes give an empty rectangle.
-[[nodiscard]] PictureRect FitInside(PictureSize picture, PictureSize window);
-
-/// The clockwise rotation (0, 90, 180, 270) that a container's 3x3 display matrix asks for, in the fixed-point
-/// form of libavutil; other angles are taken to the nearest of these.
+/// The clockwise rotation (0, 90, 180, 270) that a container's 3x3 display matrix asks for, in the
+/// fixed-point form of libavutil; other angles are taken to the nearest of these.
 [[nodiscard]] int RotationOfDisplayMatrix(const std::array<std::int32_t, 9>& matrix);
 
 /// How many samples along one axis one output pixel has to average so that nothing is skipped: 1 up to a

@@ -10,7 +10,8 @@ namespace brindlecast {
 
 namespace {
 
-template <class Read> HRESULT ReadRect(LONG* value, HRESULT known, const PictureRect& rect, Read&& read) {
+template <class Read>
+HRESULT ReadRect(LONG* value, HRESULT known, const PictureRect& rect, Read&& read) {
     if (value == nullptr) {
         return E_POINTER;
     }
@@ -36,8 +37,8 @@ HRESULT WriteRect(HRESULT known, const PictureRect& rect, LONG* left, LONG* top,
 /// Sums stay far from the limits of an int.
 bool IsSane(LONG left, LONG top, LONG width, LONG height) {
     constexpr LONG kLimit = 1 << 20;
-    return width > 0 && height > 0 && width <= kLimit && height <= kLimit && left >= -kLimit && left <= kLimit &&
-           top >= -kLimit && top <= kLimit;
+    return width > 0 && height > 0 && width <= kLimit && height <= kLimit && left >= -kLimit &&
+           left <= kLimit && top >= -kLimit && top <= kLimit;
 }
 
 } // namespace
@@ -65,7 +66,8 @@ HRESULT BasicVideo::CurrentDestination(PictureRect* destination) const {
     return S_OK;
 }
 
-template <class Change> HRESULT BasicVideo::EditSource(Change&& change) {
+template <class Change>
+HRESULT BasicVideo::EditSource(Change&& change) {
     PictureRect rect;
     const HRESULT result = CurrentSource(&rect);
     if (FAILED(result)) {
@@ -75,7 +77,8 @@ template <class Change> HRESULT BasicVideo::EditSource(Change&& change) {
     return SetSourcePosition(rect.left, rect.top, rect.Width(), rect.Height());
 }
 
-template <class Change> HRESULT BasicVideo::EditDestination(Change&& change) {
+template <class Change>
+HRESULT BasicVideo::EditDestination(Change&& change) {
     PictureRect rect;
     const HRESULT result = CurrentDestination(&rect);
     if (FAILED(result)) {
@@ -108,7 +111,9 @@ STDMETHODIMP BasicVideo::get_BitRate(LONG* rate) {
     return S_OK;
 }
 
-STDMETHODIMP BasicVideo::get_BitErrorRate(LONG* rate) { return get_BitRate(rate); }
+STDMETHODIMP BasicVideo::get_BitErrorRate(LONG* rate) {
+    return get_BitRate(rate);
+}
 
 STDMETHODIMP BasicVideo::get_VideoWidth(LONG* width) {
     LONG height = 0;
@@ -121,7 +126,9 @@ STDMETHODIMP BasicVideo::get_VideoHeight(LONG* height) {
 }
 
 STDMETHODIMP BasicVideo::put_SourceLeft(LONG left) {
-    return EditSource([left](PictureRect& rect) { rect = {left, rect.top, left + rect.Width(), rect.bottom}; });
+    return EditSource([left](PictureRect& rect) {
+        rect = {left, rect.top, left + rect.Width(), rect.bottom};
+    });
 }
 
 STDMETHODIMP BasicVideo::get_SourceLeft(LONG* left) {
@@ -157,7 +164,9 @@ STDMETHODIMP BasicVideo::get_SourceHeight(LONG* height) {
 }
 
 STDMETHODIMP BasicVideo::put_DestinationLeft(LONG left) {
-    return EditDestination([left](PictureRect& rect) { rect = {left, rect.top, left + rect.Width(), rect.bottom}; });
+    return EditDestination([left](PictureRect& rect) {
+        rect = {left, rect.top, left + rect.Width(), rect.bottom};
+    });
 }
 
 STDMETHODIMP BasicVideo::get_DestinationLeft(LONG* left) {
@@ -175,7 +184,9 @@ STDMETHODIMP BasicVideo::get_DestinationWidth(LONG* width) {
 }
 
 STDMETHODIMP BasicVideo::put_DestinationTop(LONG top) {
-    return EditDestination([top](PictureRect& rect) { rect = {rect.left, top, rect.right, top + rect.Height()}; });
+    return EditDestination([top](PictureRect& rect) {
+        rect = {rect.left, top, rect.right, top + rect.Height()};
+    });
 }
 
 STDMETHODIMP BasicVideo::get_DestinationTop(LONG* top) {

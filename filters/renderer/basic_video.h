@@ -7,7 +7,8 @@
 
 namespace brindlecast {
 
-/// IBasicVideo2. Everything answers VFW_E_NOT_CONNECTED, and writes nothing, while the input is not connected.
+/// IBasicVideo2. Everything answers VFW_E_NOT_CONNECTED, and writes nothing, while the input is not
+/// connected.
 class BasicVideo final : public DualFilterPart<IBasicVideo2> {
 public:
     BasicVideo(BaseFilter& filter, RendererCore& core) : DualFilterPart(filter), core_(core) {}
@@ -50,8 +51,10 @@ public:
 private:
     [[nodiscard]] HRESULT CurrentSource(PictureRect* source) const;
     [[nodiscard]] HRESULT CurrentDestination(PictureRect* destination) const;
-    template <class Change> [[nodiscard]] HRESULT EditSource(Change&& change);
-    template <class Change> [[nodiscard]] HRESULT EditDestination(Change&& change);
+    template <class Change>
+    [[nodiscard]] HRESULT EditSource(Change&& change);
+    template <class Change>
+    [[nodiscard]] HRESULT EditDestination(Change&& change);
 
     RendererCore& core_;
 };

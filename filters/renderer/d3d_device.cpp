@@ -14,9 +14,10 @@ HRESULT TryDriver(D3D_DRIVER_TYPE driver, D3dDevice* out) {
     static constexpr D3D_FEATURE_LEVEL kLevels[] = {D3D_FEATURE_LEVEL_11_0, D3D_FEATURE_LEVEL_10_1,
                                                     D3D_FEATURE_LEVEL_10_0};
     D3dDevice made;
-    const HRESULT result = D3D11CreateDevice(nullptr, driver, nullptr, D3D11_CREATE_DEVICE_BGRA_SUPPORT, kLevels,
-                                             static_cast<UINT>(std::size(kLevels)), D3D11_SDK_VERSION,
-                                             made.device.GetAddressOf(), nullptr, made.context.GetAddressOf());
+    const HRESULT result =
+        D3D11CreateDevice(nullptr, driver, nullptr, D3D11_CREATE_DEVICE_BGRA_SUPPORT, kLevels,
+                          static_cast<UINT>(std::size(kLevels)), D3D11_SDK_VERSION,
+                          made.device.GetAddressOf(), nullptr, made.context.GetAddressOf());
     if (SUCCEEDED(result)) {
         *out = std::move(made);
     }
@@ -41,10 +42,8 @@ bool IsDeviceLost(HRESULT result) noexcept {
     case DXGI_ERROR_DEVICE_REMOVED:
     case DXGI_ERROR_DEVICE_RESET:
     case DXGI_ERROR_DEVICE_HUNG:
-    case DXGI_ERROR_DRIVER_INTERNAL_ERROR:
-        return true;
-    default:
-        return false;
+    case DXGI_ERROR_DRIVER_INTERNAL_ERROR: return true;
+    default: return false;
     }
 }
 

@@ -9,8 +9,8 @@ namespace brindlecast {
 
 using Microsoft::WRL::ComPtr;
 
-/// A Direct3D 11 device and its immediate context. Whoever holds it is the only one to use the context: the renderer's
-/// drawing thread while a filter lives.
+/// A Direct3D 11 device and its immediate context. Whoever holds it is the only one to use the context: the
+/// renderer's drawing thread while a filter lives.
 struct D3dDevice {
     ComPtr<ID3D11Device> device;
     ComPtr<ID3D11DeviceContext> context;
@@ -23,8 +23,8 @@ struct D3dDevice {
 /// `*out` stays empty on failure.
 [[nodiscard]] HRESULT CreateD3dDevice(D3dDevice* out);
 
-/// What takes long to make and serves any film: kept from one filter to the next, because a new device with its shaders
-/// costs a third of a second. Owned by one filter at a time.
+/// What takes long to make and serves any film: kept from one filter to the next, because a new device with
+/// its shaders costs a third of a second. Owned by one filter at a time.
 class RenderResources;
 
 /// The kept resources, or null when there are none (or they have been lost since). Any thread.

@@ -14,7 +14,9 @@ std::size_t PixelBytes(PictureSize size) {
 
 } // namespace
 
-std::size_t DibBytes(PictureSize size) { return sizeof(BITMAPINFOHEADER) + PixelBytes(size); }
+std::size_t DibBytes(PictureSize size) {
+    return sizeof(BITMAPINFOHEADER) + PixelBytes(size);
+}
 
 void WriteDib(const CapturedImage& image, void* out) {
     BITMAPINFOHEADER header{};

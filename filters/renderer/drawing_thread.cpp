@@ -14,7 +14,9 @@ constexpr std::int64_t kMillisecond = 10'000;
 /// A capture draws one picture; more than this means that the drawing thread can't answer at all.
 constexpr DWORD kCaptureMilliseconds = 5'000;
 
-std::int64_t TickTime() { return static_cast<std::int64_t>(GetTickCount64()) * kMillisecond; }
+std::int64_t TickTime() {
+    return static_cast<std::int64_t>(GetTickCount64()) * kMillisecond;
+}
 
 std::unique_ptr<Presenter> DefaultPresenter(const D3dDevice& device, std::shared_ptr<WindowSlot> window) {
     const PresenterKind kind = PresenterFor(window->Get(), RunsUnderWine());
@@ -44,7 +46,8 @@ DrawingThread::~DrawingThread() {
     wake_.Set();
     room_.Set();
     if (thread_ && GetCurrentThreadId() == threadId_) {
-        // Telling the graph of the end gave it up: its last reference was ours. The thread leaves when it comes back.
+        // Telling the graph of the end gave it up: its last reference was ours. The thread leaves when it
+        // comes back.
         *alive_ = false;
     } else if (thread_) {
         WaitForSingleObject(thread_.Get(), INFINITE);
@@ -147,8 +150,7 @@ Decision DrawingThread::Judge(const std::optional<std::int64_t>& clock) const {
 DrawingThread::Task DrawingThread::Carry(const Decision& decision) {
     Task task;
     switch (decision.step) {
-    case NextStep::kNothing:
-        break;
+    case NextStep::kNothing: break;
     case NextStep::kWait:
         task.milliseconds = static_cast<DWORD>(std::min<std::int64_t>(decision.wait / kMillisecond, 1000));
         if (!queue_.empty() && prepared_ != queue_.front()) {
@@ -174,33 +176,22 @@ DrawingThread::Task DrawingThread::Carry(const Decision& decision) {
 
 void DrawingThread::Perform(const Task& task) {
     switch (task.work) {
-    case Work::kKeepCopies:
-        painter_.KeepCopies();
-        break;
+    case Work::kKeepCopies: painter_.KeepCopies(); break;
     case Work::kCapture:
         task.capture->result = painter_.Capture(task.capture->kind, look_.Get(), &task.capture->image);
         task.capture->done.Set();
         break;
-    case Work::kRedraw:
-        static_cast<void>(painter_.Redraw(look_.Get()));
-        break;
-    case Work::kShow:
-        ShowFrame(task);
-        break;
-    case Work::kPrepare:
-        painter_.Prepare(task.picture, look_.Get());
-        break;
+    case Work::kRedraw: static_cast<void>(painter_.Redraw(look_.Get())); break;
+    case Work::kShow: ShowFrame(task); break;
+    case Work::kPrepare: painter_.Prepare(task.picture, look_.Get()); break;
     case Work::kDrop: {
         const std::lock_guard lock(mutex_);
         ++counters_.dropped;
         break;
     }
-    case Work::kComplete:
-        host_.OnStreamEnd();
-        break;
+    case Work::kComplete: host_.OnStreamEnd(); break;
     case Work::kQuit:
-    case Work::kWait:
-        break;
+    case Work::kWait: break;
     }
 }
 

@@ -24,9 +24,9 @@ protected:
     ~DrawingHost() = default;
 };
 
-/// Holds the frames that wait and the thread that draws them at their time. The thread waits for its events and the clock
-/// only: never for the window's thread or the graph, so that any thread may wait for it (that is how a capture is handed
-/// over). State changes do not wait for a drawing under way.
+/// Holds the frames that wait and the thread that draws them at their time. The thread waits for its events
+/// and the clock only: never for the window's thread or the graph, so that any thread may wait for it (that
+/// is how a capture is handed over). State changes do not wait for a drawing under way.
 class DrawingThread {
 public:
     /// Frames that may wait; the streaming thread is held up beyond.
@@ -56,7 +56,8 @@ public:
     void BeginFlush();
     void EndFlush();
 
-    /// Waits until a paused filter has its first frame (or the end of the stream). False when the time ran out.
+    /// Waits until a paused filter has its first frame (or the end of the stream). False when the time ran
+    /// out.
     [[nodiscard]] bool WaitReady(DWORD milliseconds) const { return ready_.Wait(milliseconds); }
 
     /// The window has to be drawn again. Any thread; does not wait.
@@ -71,7 +72,8 @@ public:
     struct Counters {
         int shown = 0;
         int dropped = 0;
-        /// Sum and largest distance of shown frames from their time, 100 ns units; first frames are not counted.
+        /// Sum and largest distance of shown frames from their time, 100 ns units; first frames are not
+        /// counted.
         std::int64_t lateSum = 0;
         std::int64_t lateLargest = 0;
         int timed = 0;

@@ -4,8 +4,10 @@
 
 namespace brindlecast {
 
-/// An interface of a filter that is implemented in an object of its own: the same COM object, the same reference count.
-template <class Interface> class FilterPart : public Interface {
+/// An interface of a filter that is implemented in an object of its own: the same COM object, the same
+/// reference count.
+template <class Interface>
+class FilterPart : public Interface {
 public:
     FilterPart(const FilterPart&) = delete;
     FilterPart& operator=(const FilterPart&) = delete;
@@ -25,7 +27,8 @@ private:
 };
 
 /// The same for a dual interface; calls by name are not offered.
-template <class Interface> class DualFilterPart : public FilterPart<Interface> {
+template <class Interface>
+class DualFilterPart : public FilterPart<Interface> {
 public:
     using FilterPart<Interface>::FilterPart;
 

@@ -14,7 +14,9 @@ namespace {
 /// How long to leave a graphics system alone that could make no device.
 constexpr ULONGLONG kRetryMilliseconds = 500;
 
-RECT ToRect(const PictureRect& rect) { return {rect.left, rect.top, rect.right, rect.bottom}; }
+RECT ToRect(const PictureRect& rect) {
+    return {rect.left, rect.top, rect.right, rect.bottom};
+}
 
 Orientation TotalOrientation(const Picture& picture, const Look& look) {
     return {NormalizedRotation(picture.containerRotation + look.orientation.rotation), look.orientation.flip};
@@ -29,7 +31,9 @@ TexturePart WithinTextures(const PictureMemory& memory, const PicturePlane& luma
     const PictureSize span = ChromaSpan(memory.format);
     const float left = static_cast<float>(memory.visible.left % span.width) / static_cast<float>(luma.width);
     const float top = static_cast<float>(memory.visible.top % span.height) / static_cast<float>(luma.height);
-    const auto map = [](float value, float offset) { return offset + value * (1 - offset); };
+    const auto map = [](float value, float offset) {
+        return offset + value * (1 - offset);
+    };
     return {map(part.left, left), map(part.top, top), map(part.right, left), map(part.bottom, top)};
 }
 
@@ -58,9 +62,12 @@ void FillCorners(const Orientation& orientation, const TexturePart& part, QuadVe
 }
 
 void SetViewport(ID3D11DeviceContext* context, const PictureRect& rect) {
-    const D3D11_VIEWPORT viewport{static_cast<float>(rect.left),    static_cast<float>(rect.top),
-                                  static_cast<float>(rect.Width()), static_cast<float>(rect.Height()),
-                                  0.0F,                             1.0F};
+    const D3D11_VIEWPORT viewport{static_cast<float>(rect.left),
+                                  static_cast<float>(rect.top),
+                                  static_cast<float>(rect.Width()),
+                                  static_cast<float>(rect.Height()),
+                                  0.0F,
+                                  1.0F};
     context->RSSetViewports(1, &viewport);
 }
 
@@ -74,7 +81,8 @@ bool Covers(const PictureRect& rect, PictureSize size) {
 
 } // namespace
 
-FramePainter::FramePainter(std::shared_ptr<WindowSlot> window, SubtitleLink& subtitles, PresenterFactory factory)
+FramePainter::FramePainter(std::shared_ptr<WindowSlot> window, SubtitleLink& subtitles,
+                           PresenterFactory factory)
     : window_(std::move(window)), subtitles_(subtitles), factory_(std::move(factory)) {}
 
 FramePainter::~FramePainter() {
@@ -117,7 +125,8 @@ void FramePainter::LoseDevice() {
     resources_.reset();
 }
 
-template <class Action> HRESULT FramePainter::WithDevice(Action&& action) {
+template <class Action>
+HRESULT FramePainter::WithDevice(Action&& action) {
     HRESULT result = EnsureDevice();
     if (SUCCEEDED(result)) {
         result = action();
@@ -203,7 +212,8 @@ void FramePainter::DrawSubtitles(const Picture& picture, PictureSize size, const
     SubtitleLink::Frame frame;
     frame.start = MediaPosition(times.segmentStart, times.rate, times.start);
     frame.stop = MediaPosition(times.segmentStart, times.rate, times.stop);
-    frame.duration = picture.format.frameDuration > 0 ? picture.format.frameDuration : frame.stop - frame.start;
+    frame.duration =
+        picture.format.frameDuration > 0 ? picture.format.frameDuration : frame.stop - frame.start;
     frame.video = ToRect(destination);
     frame.originalVideo = {0, 0, upright.width, upright.height};
     frame.viewport = {0, 0, size.width, size.height};
@@ -320,8 +330,8 @@ HRESULT FramePainter::Capture(CaptureKind kind, const Look& look, CapturedImage*
         ComPtr<ID3D11Texture2D> target;
         ComPtr<ID3D11RenderTargetView> view;
         Slot* slot = nullptr;
-        HRESULT result = MakeTargetTexture(resources_->Device().device.Get(), out->size, target.GetAddressOf(),
-                                           view.GetAddressOf());
+        HRESULT result = MakeTargetTexture(resources_->Device().device.Get(), out->size,
+                                           target.GetAddressOf(), view.GetAddressOf());
         if (SUCCEEDED(result)) {
             result = SlotFor(shown_, &slot);
         }

@@ -20,11 +20,12 @@ struct CapturedImage {
     std::vector<std::uint8_t> pixels;
 };
 
-/// Draws pictures into the window in the slot. Belongs to the drawing thread; only the constructor runs elsewhere. A lost
-/// device is replaced and the pictures that are still held are uploaded anew.
+/// Draws pictures into the window in the slot. Belongs to the drawing thread; only the constructor runs
+/// elsewhere. A lost device is replaced and the pictures that are still held are uploaded anew.
 class FramePainter {
 public:
-    using PresenterFactory = std::function<std::unique_ptr<Presenter>(const D3dDevice&, std::shared_ptr<WindowSlot>)>;
+    using PresenterFactory =
+        std::function<std::unique_ptr<Presenter>(const D3dDevice&, std::shared_ptr<WindowSlot>)>;
 
     /// `factory` makes the presenter of a device; tests put their own in.
     FramePainter(std::shared_ptr<WindowSlot> window, SubtitleLink& subtitles, PresenterFactory factory);
@@ -53,7 +54,8 @@ private:
 
     [[nodiscard]] HRESULT EnsureDevice();
     void LoseDevice();
-    template <class Action> [[nodiscard]] HRESULT WithDevice(Action&& action);
+    template <class Action>
+    [[nodiscard]] HRESULT WithDevice(Action&& action);
     [[nodiscard]] HRESULT DrawToWindow(const PicturePtr& picture, const Look& look);
     [[nodiscard]] HRESULT SlotFor(const PicturePtr& picture, Slot** out);
     [[nodiscard]] HRESULT DrawPicture(const Slot& slot, ID3D11RenderTargetView* target, PictureSize size,

@@ -26,7 +26,8 @@ public:
         return look_;
     }
     /// Calls `change(look)` with the look locked.
-    template <class Change> void Edit(Change&& change) {
+    template <class Change>
+    void Edit(Change&& change) {
         const std::lock_guard lock(mutex_);
         change(look_);
     }

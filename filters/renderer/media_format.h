@@ -15,8 +15,8 @@ struct AcceptedSubtype {
 };
 [[nodiscard]] const std::array<AcceptedSubtype, 7>& AcceptedSubtypes();
 
-/// What an uncompressed video type with VIDEOINFOHEADER or VIDEOINFOHEADER2 describes; nothing for any other type or a
-/// header that contradicts itself.
+/// What an uncompressed video type with VIDEOINFOHEADER or VIDEOINFOHEADER2 describes; nothing for any other
+/// type or a header that contradicts itself.
 [[nodiscard]] std::optional<PictureFormat> PictureFormatOf(const AM_MEDIA_TYPE& type);
 
 } // namespace brindlecast

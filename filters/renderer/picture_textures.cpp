@@ -8,18 +8,12 @@ namespace {
 
 DXGI_FORMAT FormatOf(TexelType type) {
     switch (type) {
-    case TexelType::kOne8:
-        return DXGI_FORMAT_R8_UNORM;
-    case TexelType::kTwo8:
-        return DXGI_FORMAT_R8G8_UNORM;
-    case TexelType::kFour8:
-        return DXGI_FORMAT_R8G8B8A8_UNORM;
-    case TexelType::kFour8Bgr:
-        return DXGI_FORMAT_B8G8R8X8_UNORM;
-    case TexelType::kOne16:
-        return DXGI_FORMAT_R16_UNORM;
-    case TexelType::kTwo16:
-        return DXGI_FORMAT_R16G16_UNORM;
+    case TexelType::kOne8: return DXGI_FORMAT_R8_UNORM;
+    case TexelType::kTwo8: return DXGI_FORMAT_R8G8_UNORM;
+    case TexelType::kFour8: return DXGI_FORMAT_R8G8B8A8_UNORM;
+    case TexelType::kFour8Bgr: return DXGI_FORMAT_B8G8R8X8_UNORM;
+    case TexelType::kOne16: return DXGI_FORMAT_R16_UNORM;
+    case TexelType::kTwo16: return DXGI_FORMAT_R16G16_UNORM;
     }
     return DXGI_FORMAT_UNKNOWN;
 }
@@ -62,7 +56,8 @@ HRESULT PictureTextures::Fill(ID3D11DeviceContext* context, const Plane& plane, 
     }
     auto* target = static_cast<std::uint8_t*>(mapped.pData);
     const std::uint8_t* source = data + from.offset;
-    const auto rowBytes = static_cast<std::size_t>(from.width) * static_cast<std::size_t>(TexelBytes(from.texel));
+    const auto rowBytes =
+        static_cast<std::size_t>(from.width) * static_cast<std::size_t>(TexelBytes(from.texel));
     if (from.pitch == static_cast<std::ptrdiff_t>(mapped.RowPitch) && rowBytes == mapped.RowPitch) {
         std::memcpy(target, source, rowBytes * static_cast<std::size_t>(from.height));
     } else {
@@ -100,10 +95,13 @@ HRESULT PictureTextures::Upload(const D3dDevice& device, const Picture& picture)
 }
 
 void PictureTextures::Bind(ID3D11DeviceContext* context) const {
-    ID3D11ShaderResourceView* const views[] = {planes_[0].view.Get(), planes_[1].view.Get(), planes_[2].view.Get()};
+    ID3D11ShaderResourceView* const views[] = {planes_[0].view.Get(), planes_[1].view.Get(),
+                                               planes_[2].view.Get()};
     context->PSSetShaderResources(0, 3, views);
 }
 
-void PictureTextures::Reset() { planes_ = {}; }
+void PictureTextures::Reset() {
+    planes_ = {};
+}
 
 } // namespace brindlecast

@@ -23,8 +23,8 @@ private:
         PicturePlane shape;
     };
     [[nodiscard]] static HRESULT MakePlane(ID3D11Device* device, const PicturePlane& shape, Plane* out);
-    [[nodiscard]] static HRESULT Fill(ID3D11DeviceContext* context, const Plane& plane, const PicturePlane& from,
-                                      const std::uint8_t* data);
+    [[nodiscard]] static HRESULT Fill(ID3D11DeviceContext* context, const Plane& plane,
+                                      const PicturePlane& from, const std::uint8_t* data);
 
     std::array<Plane, 3> planes_;
 };

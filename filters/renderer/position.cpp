@@ -29,9 +29,13 @@ STDMETHODIMP PositionSeeking::QueryPreferredFormat(GUID* format) {
     return S_OK;
 }
 
-STDMETHODIMP PositionSeeking::GetTimeFormat(GUID* format) { return QueryPreferredFormat(format); }
+STDMETHODIMP PositionSeeking::GetTimeFormat(GUID* format) {
+    return QueryPreferredFormat(format);
+}
 
-STDMETHODIMP PositionSeeking::IsUsingTimeFormat(const GUID* format) { return IsFormatSupported(format); }
+STDMETHODIMP PositionSeeking::IsUsingTimeFormat(const GUID* format) {
+    return IsFormatSupported(format);
+}
 
 STDMETHODIMP PositionSeeking::SetTimeFormat(const GUID* format) {
     if (format == nullptr) {

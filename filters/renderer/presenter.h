@@ -8,8 +8,9 @@
 
 namespace brindlecast {
 
-/// Brings a drawn render target into a window. Used by the drawing thread alone. The order for each picture is Begin, the
-/// drawing, Finish, and at its time Show; Begin may follow Finish when a picture is not shown after all.
+/// Brings a drawn render target into a window. Used by the drawing thread alone. The order for each picture
+/// is Begin, the drawing, Finish, and at its time Show; Begin may follow Finish when a picture is not shown
+/// after all.
 class Presenter {
 public:
     virtual ~Presenter() = default;
@@ -24,13 +25,13 @@ public:
 
 enum class PresenterKind { kSwapChain, kReadBack };
 
-/// Which way a window can be drawn. Under Wine a swap chain in a child window shows black, so the picture is read back and
-/// drawn with GDI there.
+/// Which way a window can be drawn. Under Wine a swap chain in a child window shows black, so the picture is
+/// read back and drawn with GDI there.
 [[nodiscard]] PresenterKind PresenterFor(HWND window, bool wine) noexcept;
 [[nodiscard]] bool RunsUnderWine() noexcept;
 
 /// Makes the presenter for the window in the slot; where no swap chain can be made, one that reads back.
-[[nodiscard]] std::unique_ptr<Presenter> MakePresenter(const D3dDevice& device, std::shared_ptr<WindowSlot> window,
-                                                       PresenterKind kind);
+[[nodiscard]] std::unique_ptr<Presenter>
+MakePresenter(const D3dDevice& device, std::shared_ptr<WindowSlot> window, PresenterKind kind);
 
 } // namespace brindlecast

@@ -8,7 +8,8 @@ constexpr std::int64_t kMillisecond = 10'000;
 
 } // namespace
 
-template <class Read> HRESULT QualityCounters::Answer(int* value, Read&& read) {
+template <class Read>
+HRESULT QualityCounters::Answer(int* value, Read&& read) {
     if (value == nullptr) {
         return E_POINTER;
     }
@@ -38,8 +39,9 @@ STDMETHODIMP QualityCounters::get_AvgSyncOffset(int* milliseconds) {
 }
 
 STDMETHODIMP QualityCounters::get_DevSyncOffset(int* milliseconds) {
-    return Answer(milliseconds,
-                  [](const DrawingThread::Counters& counters) { return counters.lateLargest / kMillisecond; });
+    return Answer(milliseconds, [](const DrawingThread::Counters& counters) {
+        return counters.lateLargest / kMillisecond;
+    });
 }
 
 } // namespace brindlecast

@@ -22,7 +22,8 @@ public:
     STDMETHODIMP get_DevSyncOffset(int* milliseconds) override;
 
 private:
-    template <class Read> [[nodiscard]] HRESULT Answer(int* value, Read&& read);
+    template <class Read>
+    [[nodiscard]] HRESULT Answer(int* value, Read&& read);
 
     RendererCore& core_;
 };

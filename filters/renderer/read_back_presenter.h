@@ -6,8 +6,8 @@
 
 namespace brindlecast {
 
-/// Copies the target into memory and draws it with GDI. Two memory textures are used in turn, so that the wait for one
-/// picture overlaps with the drawing of the next.
+/// Copies the target into memory and draws it with GDI. Two memory textures are used in turn, so that the
+/// wait for one picture overlaps with the drawing of the next.
 class ReadBackPresenter final : public Presenter {
 public:
     ReadBackPresenter(const D3dDevice& device, std::shared_ptr<WindowSlot> window);

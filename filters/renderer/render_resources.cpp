@@ -18,7 +18,8 @@ HRESULT Compile(std::string_view source, const char* profile, ID3DBlob** code) {
                       messages.GetAddressOf());
 }
 
-template <class Content> HRESULT Write(ID3D11DeviceContext* context, ID3D11Buffer* buffer, const Content& content) {
+template <class Content>
+HRESULT Write(ID3D11DeviceContext* context, ID3D11Buffer* buffer, const Content& content) {
     D3D11_MAPPED_SUBRESOURCE mapped{};
     const HRESULT result = context->Map(buffer, 0, D3D11_MAP_WRITE_DISCARD, 0, &mapped);
     if (SUCCEEDED(result)) {
@@ -106,7 +107,8 @@ HRESULT RenderResources::CreateStates() {
     }
     D3D11_DEPTH_STENCIL_DESC depth{};
     depth.DepthFunc = D3D11_COMPARISON_ALWAYS;
-    depth.FrontFace = {D3D11_STENCIL_OP_KEEP, D3D11_STENCIL_OP_KEEP, D3D11_STENCIL_OP_KEEP, D3D11_COMPARISON_ALWAYS};
+    depth.FrontFace = {D3D11_STENCIL_OP_KEEP, D3D11_STENCIL_OP_KEEP, D3D11_STENCIL_OP_KEEP,
+                       D3D11_COMPARISON_ALWAYS};
     depth.BackFace = depth.FrontFace;
     if (SUCCEEDED(result)) {
         result = device->CreateDepthStencilState(&depth, noDepth_.GetAddressOf());
@@ -121,7 +123,8 @@ HRESULT RenderResources::CreateBuffers() {
     if (FAILED(result)) {
         return result;
     }
-    return DynamicBuffer(device, sizeof(PictureConstants), D3D11_BIND_CONSTANT_BUFFER, constants_.GetAddressOf());
+    return DynamicBuffer(device, sizeof(PictureConstants), D3D11_BIND_CONSTANT_BUFFER,
+                         constants_.GetAddressOf());
 }
 
 void RenderResources::BindCommon() {
@@ -142,8 +145,8 @@ HRESULT RenderResources::PictureShader(PixelFormat format, int taps, ID3D11Pixel
         ComPtr<ID3DBlob> code;
         HRESULT result = Compile(PictureShaderSource(format, taps), "ps_4_0", code.GetAddressOf());
         if (SUCCEEDED(result)) {
-            result = device_.device->CreatePixelShader(code->GetBufferPointer(), code->GetBufferSize(), nullptr,
-                                                       shader.GetAddressOf());
+            result = device_.device->CreatePixelShader(code->GetBufferPointer(), code->GetBufferSize(),
+                                                       nullptr, shader.GetAddressOf());
         }
         if (FAILED(result)) {
             return result;
@@ -166,7 +169,9 @@ HRESULT RenderResources::BindPictureShader(PixelFormat format, int taps, const P
     return result;
 }
 
-void RenderResources::BindCopyShader() { device_.context->PSSetShader(copyShader_.Get(), nullptr, 0); }
+void RenderResources::BindCopyShader() {
+    device_.context->PSSetShader(copyShader_.Get(), nullptr, 0);
+}
 
 HRESULT RenderResources::DrawQuad(const QuadVertex (&corners)[4]) {
     const HRESULT result = Write(device_.context.Get(), vertices_.Get(), corners);

@@ -21,8 +21,8 @@ struct PictureConstants {
     float footprint[4];
 };
 
-/// A device with everything that does not depend on a film: shaders, sampler, states, small buffers. Used by one thread
-/// at a time.
+/// A device with everything that does not depend on a film: shaders, sampler, states, small buffers. Used by
+/// one thread at a time.
 class RenderResources {
 public:
     /// Makes a device and its resources; null with the reason in `*failure`.

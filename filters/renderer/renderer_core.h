@@ -11,8 +11,8 @@
 
 namespace brindlecast {
 
-/// What the interfaces of the renderer share: the window, the look, the format and the drawing thread. Methods may be called
-/// on any thread unless their part says otherwise.
+/// What the interfaces of the renderer share: the window, the look, the format and the drawing thread.
+/// Methods may be called on any thread unless their part says otherwise.
 class RendererCore final : public VideoWindowEvents {
 public:
     explicit RendererCore(DrawingHost& host);
@@ -30,7 +30,8 @@ public:
     void SetContainerRotation(int degrees) noexcept { containerRotation_ = degrees; }
     [[nodiscard]] int ContainerRotation() const noexcept { return containerRotation_.load(); }
 
-    /// The upright size of the picture: sample aspect and both rotations applied. Nothing without a connection.
+    /// The upright size of the picture: sample aspect and both rotations applied. Nothing without a
+    /// connection.
     [[nodiscard]] std::optional<PictureSize> VideoSize() const;
 
     // VideoWindowEvents

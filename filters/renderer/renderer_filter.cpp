@@ -15,7 +15,8 @@ STDMETHODIMP SubtitleAccess::SetCallback11(ISubRender11Callback* callback) {
 RendererFilter::RendererFilter()
     : BaseFilter(kClsidMpcVideoRenderer, AM_FILTER_MISC_FLAGS_IS_RENDERER), core_(*this),
       input_(new RendererPin(*this, core_)), videoWindow_(*this, core_), basicVideo_(*this, core_),
-      seeking_(*this, *input_, core_), options_(*this, core_), subtitles_(*this, core_), quality_(*this, core_) {
+      seeking_(*this, *input_, core_), options_(*this, core_), subtitles_(*this, core_),
+      quality_(*this, core_) {
     AddPin(std::unique_ptr<BasePin>(input_));
 }
 

@@ -9,9 +9,10 @@ namespace brindlecast {
 
 namespace {
 
-template <class Options> auto* Find(Options& options, std::string_view name) {
-    const auto found =
-        std::find_if(options.begin(), options.end(), [name](const auto& option) { return name == option.name; });
+template <class Options>
+auto* Find(Options& options, std::string_view name) {
+    const auto found = std::find_if(options.begin(), options.end(),
+                                    [name](const auto& option) { return name == option.name; });
     return found == options.end() ? nullptr : &*found;
 }
 

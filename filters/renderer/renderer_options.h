@@ -9,8 +9,8 @@
 
 namespace brindlecast {
 
-/// IExFilterConfig. "rotation", "flip", "cmd_redraw" and "displayedImage" act on the picture. The other options are
-/// remembered and answered, but choose nothing: there is one way to scale and to present.
+/// IExFilterConfig. "rotation", "flip", "cmd_redraw" and "displayedImage" act on the picture. The other
+/// options are remembered and answered, but choose nothing: there is one way to scale and to present.
 class RendererOptions final : public FilterPart<IExFilterConfig> {
 public:
     RendererOptions(BaseFilter& filter, RendererCore& core) : FilterPart(filter), core_(core) {}

@@ -49,7 +49,8 @@ STDMETHODIMP RendererPin::NotifyAllocator(IMemAllocator* allocator, BOOL readOnl
     const HRESULT result = InputPin::NotifyAllocator(allocator, readOnly);
     if (SUCCEEDED(result)) {
         ALLOCATOR_PROPERTIES actual{};
-        // A sender with fewer buffers would wait for the one that we keep on the screen: then pictures are copied.
+        // A sender with fewer buffers would wait for the one that we keep on the screen: then pictures are
+        // copied.
         copies_ = FAILED(allocator->GetProperties(&actual)) || actual.cBuffers <= kBuffersHeld;
     }
     return result;
@@ -98,7 +99,9 @@ void RendererPin::OnDisconnected() {
     InputPin::OnDisconnected();
 }
 
-HRESULT RendererPin::Activate() { return InputPin::Activate(); }
+HRESULT RendererPin::Activate() {
+    return InputPin::Activate();
+}
 
 void RendererPin::Deactivate() {
     core_.Drawing().Stop();
@@ -126,7 +129,8 @@ HRESULT RendererPin::MakePicture(IMediaSample& sample, const FrameTimes& times, 
     } else {
         sample.AddRef();
         picture->data = data;
-        picture->owner = std::shared_ptr<const void>(&sample, [held = &sample](const void*) { held->Release(); });
+        picture->owner =
+            std::shared_ptr<const void>(&sample, [held = &sample](const void*) { held->Release(); });
     }
     *out = std::move(picture);
     return S_OK;
@@ -134,7 +138,8 @@ HRESULT RendererPin::MakePicture(IMediaSample& sample, const FrameTimes& times, 
 
 void RendererPin::ReadRotation(IMediaSample& sample) {
     ComPtr<ISampleSideData> sideData;
-    if (FAILED(sample.QueryInterface(kIidSampleSideData, reinterpret_cast<void**>(sideData.GetAddressOf())))) {
+    if (FAILED(
+            sample.QueryInterface(kIidSampleSideData, reinterpret_cast<void**>(sideData.GetAddressOf())))) {
         return;
     }
     const BYTE* data = nullptr;

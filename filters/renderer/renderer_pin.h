@@ -35,9 +35,9 @@ private:
     void TellSizeChange();
 
     RendererCore& core_;
-    PictureFormat format_; ///< streaming thread; at connection the connecting one
+    PictureFormat format_;            ///< streaming thread; at connection the connecting one
     std::atomic<bool> copies_{false}; ///< the allocator has too few buffers to keep any
-    std::mutex receiving_; ///< held while a sample is taken
+    std::mutex receiving_;            ///< held while a sample is taken
 };
 
 } // namespace brindlecast

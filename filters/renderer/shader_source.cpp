@@ -59,8 +59,7 @@ std::string Fetch(PixelFormat format, const std::string& place) {
         return "float3(" + sample("plane0", place, "r") + ", " + sample("plane1", chroma, "ga") + ")";
     case PixelFormat::kAyuv: // bytes V, U, Y, A
         return sample("plane0", place, "bgr");
-    case PixelFormat::kRgb32:
-        return sample("plane0", place, "rgb");
+    case PixelFormat::kRgb32: return sample("plane0", place, "rgb");
     }
     return "float3(0.0, 0.0, 0.0)";
 }
@@ -85,9 +84,13 @@ std::string Average(PixelFormat format, int taps) {
 
 } // namespace
 
-const char* VertexShaderSource() { return kVertexShader; }
+const char* VertexShaderSource() {
+    return kVertexShader;
+}
 
-const char* CopyShaderSource() { return kCopyShader; }
+const char* CopyShaderSource() {
+    return kCopyShader;
+}
 
 std::string PictureShaderSource(PixelFormat format, int taps) {
     std::string source = kPictureHead;

@@ -2,7 +2,9 @@
 
 namespace brindlecast {
 
-SubtitleLink::~SubtitleLink() { SetCallback(nullptr); }
+SubtitleLink::~SubtitleLink() {
+    SetCallback(nullptr);
+}
 
 void SubtitleLink::SetCallback(ISubRender11Callback* callback) {
     ComPtr<ISubRender11Callback> old; // released after the lock: its last release is foreign code
@@ -28,7 +30,8 @@ void SubtitleLink::ReleaseDevice() {
 void SubtitleLink::TellDevice(ID3D11Device* device) {
     if (told_ != device) {
         ReleaseDevice();
-        // A callback that can't use the device is not asked again for it on every frame; it refuses to draw itself.
+        // A callback that can't use the device is not asked again for it on every frame; it refuses to draw
+        // itself.
         callback_->SetDevice11(device);
         told_ = device;
     }

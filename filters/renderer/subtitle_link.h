@@ -7,8 +7,8 @@
 
 namespace brindlecast {
 
-/// The application's subtitle callback. The drawing thread calls it under the lock, so that no call is under way any more
-/// when SetCallback has returned. The callback must not call back into the renderer.
+/// The application's subtitle callback. The drawing thread calls it under the lock, so that no call is under
+/// way any more when SetCallback has returned. The callback must not call back into the renderer.
 class SubtitleLink {
 public:
     ~SubtitleLink();
@@ -25,9 +25,10 @@ public:
         RECT originalVideo{};
         RECT viewport{};
     };
-    /// Drawing thread: `bind()` puts the promised state on the context, then the callback draws. Nothing happens without a
-    /// callback. True when something may have been drawn.
-    template <class Bind> bool Render(ID3D11Device* device, const Frame& frame, Bind&& bind) {
+    /// Drawing thread: `bind()` puts the promised state on the context, then the callback draws. Nothing
+    /// happens without a callback. True when something may have been drawn.
+    template <class Bind>
+    bool Render(ID3D11Device* device, const Frame& frame, Bind&& bind) {
         const std::lock_guard lock(mutex_);
         if (callback_ == nullptr) {
             return false;

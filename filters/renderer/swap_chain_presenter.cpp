@@ -7,8 +7,8 @@ namespace brindlecast {
 SwapChainPresenter::SwapChainPresenter(const D3dDevice& device, std::shared_ptr<WindowSlot> window)
     : device_(device), window_(std::move(window)) {}
 
-std::unique_ptr<SwapChainPresenter> SwapChainPresenter::Create(const D3dDevice& device,
-                                                               std::shared_ptr<WindowSlot> window, HRESULT* failure) {
+std::unique_ptr<SwapChainPresenter>
+SwapChainPresenter::Create(const D3dDevice& device, std::shared_ptr<WindowSlot> window, HRESULT* failure) {
     std::unique_ptr<SwapChainPresenter> presenter(new SwapChainPresenter(device, window));
     *failure = E_HANDLE;
     window->Use([&](HWND handle) { *failure = presenter->CreateChain(handle); });
@@ -39,7 +39,8 @@ HRESULT SwapChainPresenter::CreateChain(HWND window) {
     description.BufferCount = 2;
     description.Scaling = DXGI_SCALING_NONE;
     description.AlphaMode = DXGI_ALPHA_MODE_IGNORE;
-    // The flip model wants Windows 10 for "discard" and Windows 8 for "sequential"; the last is for what knows neither.
+    // The flip model wants Windows 10 for "discard" and Windows 8 for "sequential"; the last is for what
+    // knows neither.
     for (const DXGI_SWAP_EFFECT effect :
          {DXGI_SWAP_EFFECT_FLIP_DISCARD, DXGI_SWAP_EFFECT_FLIP_SEQUENTIAL, DXGI_SWAP_EFFECT_DISCARD}) {
         description.SwapEffect = effect;

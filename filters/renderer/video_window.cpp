@@ -19,8 +19,8 @@ HINSTANCE ModuleOfThisCode() {
     return module;
 }
 
-/// The window class goes when no window needs it any more: Windows does not take it away with the module, and a later load
-/// would meet the old procedure's address.
+/// The window class goes when no window needs it any more: Windows does not take it away with the module, and
+/// a later load would meet the old procedure's address.
 class ClassUse {
 public:
     [[nodiscard]] bool Add(WNDPROC procedure) {
@@ -61,14 +61,18 @@ ClassUse& TheClass() {
     return use;
 }
 
-bool IsMouse(UINT message) { return message >= WM_MOUSEFIRST && message <= WM_MOUSELAST; }
+bool IsMouse(UINT message) {
+    return message >= WM_MOUSEFIRST && message <= WM_MOUSELAST;
+}
 
 /// Wheel messages carry screen coordinates, the others those of the window.
 bool HasClientPoint(UINT message) {
     return IsMouse(message) && message != WM_MOUSEWHEEL && message != WM_MOUSEHWHEEL;
 }
 
-bool IsKey(UINT message) { return message >= WM_KEYFIRST && message <= WM_KEYLAST; }
+bool IsKey(UINT message) {
+    return message >= WM_KEYFIRST && message <= WM_KEYLAST;
+}
 
 } // namespace
 
@@ -80,7 +84,9 @@ VideoWindow::~VideoWindow() {
     TheClass().Sweep();
 }
 
-void VideoWindow::ReleaseClass() { TheClass().Sweep(); }
+void VideoWindow::ReleaseClass() {
+    TheClass().Sweep();
+}
 
 HRESULT VideoWindow::Attach(HWND owner) {
     if (!IsWindow(owner)) {
@@ -99,8 +105,8 @@ HRESULT VideoWindow::Attach(HWND owner) {
         return HRESULT_FROM_WIN32(GetLastError());
     }
     const HWND window = CreateWindowExW(
-        WS_EX_NOPARENTNOTIFY, kClassName, L"", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN, 0, 0,
-        client.right, client.bottom, owner, nullptr, ModuleOfThisCode(), this);
+        WS_EX_NOPARENTNOTIFY, kClassName, L"", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN, 0,
+        0, client.right, client.bottom, owner, nullptr, ModuleOfThisCode(), this);
     if (window == nullptr) {
         const HRESULT result = HRESULT_FROM_WIN32(GetLastError());
         TheClass().Remove();
@@ -172,22 +178,16 @@ LRESULT VideoWindow::Handle(HWND window, UINT message, WPARAM wParam, LPARAM lPa
         }
     }
     switch (message) {
-    case WM_ERASEBKGND:
-        return 1;
-    case WM_PAINT:
-        Paint(window);
-        return 0;
-    case WM_SIZE:
-        events_.OnPaintNeeded();
-        return 0;
+    case WM_ERASEBKGND: return 1;
+    case WM_PAINT: Paint(window); return 0;
+    case WM_SIZE: events_.OnPaintNeeded(); return 0;
     case WM_SETCURSOR:
         if (cursorHidden_ && LOWORD(lParam) == HTCLIENT) {
             SetCursor(nullptr);
             return TRUE;
         }
         break;
-    default:
-        break;
+    default: break;
     }
     return DefWindowProcW(window, message, wParam, lParam);
 }

@@ -19,8 +19,8 @@ protected:
     ~VideoWindowEvents() = default;
 };
 
-/// The child window that shows the picture. It exists while it has an owner. The thread that called Create owns it; the
-/// other methods may be called on any thread, but only that one destroys it at once.
+/// The child window that shows the picture. It exists while it has an owner. The thread that called Create
+/// owns it; the other methods may be called on any thread, but only that one destroys it at once.
 class VideoWindow {
 public:
     VideoWindow(VideoWindowEvents& events, std::shared_ptr<WindowSlot> slot);

@@ -12,9 +12,15 @@ constexpr LONG kRefusedStyles = WS_DISABLED | WS_HSCROLL | WS_ICONIC | WS_MAXIMI
 constexpr LONG kKeptStyles = WS_VISIBLE;
 constexpr LONG kForcedStyles = WS_CHILD | WS_CLIPSIBLINGS | WS_CLIPCHILDREN;
 
-HWND ToWindow(OAHWND handle) { return reinterpret_cast<HWND>(handle); }
-OAHWND FromWindow(HWND window) { return reinterpret_cast<OAHWND>(window); }
-LONG ToOaBool(bool value) { return value ? OATRUE : OAFALSE; }
+HWND ToWindow(OAHWND handle) {
+    return reinterpret_cast<HWND>(handle);
+}
+OAHWND FromWindow(HWND window) {
+    return reinterpret_cast<OAHWND>(window);
+}
+LONG ToOaBool(bool value) {
+    return value ? OATRUE : OAFALSE;
+}
 
 } // namespace
 
@@ -37,7 +43,8 @@ HRESULT VideoWindowControl::Place(RECT* place) const {
     return S_OK;
 }
 
-template <class Change> HRESULT VideoWindowControl::Move(Change&& change) {
+template <class Change>
+HRESULT VideoWindowControl::Move(Change&& change) {
     RECT place{};
     const HRESULT result = Place(&place);
     if (FAILED(result)) {
@@ -51,7 +58,8 @@ template <class Change> HRESULT VideoWindowControl::Move(Change&& change) {
     return SetWindowPosition(left, top, width, height);
 }
 
-template <class Read> HRESULT VideoWindowControl::ReadPlace(LONG* value, Read&& read) const {
+template <class Read>
+HRESULT VideoWindowControl::ReadPlace(LONG* value, Read&& read) const {
     if (value == nullptr) {
         return E_POINTER;
     }
@@ -98,7 +106,8 @@ STDMETHODIMP VideoWindowControl::put_WindowStyle(LONG style) {
     const HRESULT result = NeedWindow(&window);
     if (SUCCEEDED(result)) {
         const LONG now = GetWindowLongW(window, GWL_STYLE);
-        const LONG frameless = style & ~(WS_CAPTION | WS_THICKFRAME | WS_SYSMENU | static_cast<LONG>(WS_POPUP));
+        const LONG frameless =
+            style & ~(WS_CAPTION | WS_THICKFRAME | WS_SYSMENU | static_cast<LONG>(WS_POPUP));
         SetWindowLongW(window, GWL_STYLE, (now & kKeptStyles) | (frameless & ~kKeptStyles) | kForcedStyles);
         SetWindowPos(window, nullptr, 0, 0, 0, 0,
                      SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
@@ -136,7 +145,9 @@ STDMETHODIMP VideoWindowControl::get_WindowStyleEx(LONG* style) {
     return result;
 }
 
-STDMETHODIMP VideoWindowControl::put_AutoShow(LONG autoShow) { return autoShow == OAFALSE ? S_OK : E_NOTIMPL; }
+STDMETHODIMP VideoWindowControl::put_AutoShow(LONG autoShow) {
+    return autoShow == OAFALSE ? S_OK : E_NOTIMPL;
+}
 
 STDMETHODIMP VideoWindowControl::get_AutoShow(LONG* autoShow) {
     if (autoShow == nullptr) {

@@ -7,9 +7,9 @@
 
 namespace brindlecast {
 
-/// IVideoWindow. The window exists only while it has an owner, so what needs a window answers VFW_E_NOT_CONNECTED without a
-/// connection and E_UNEXPECTED without an owner. Palettes, border colours and a full-screen mode of its own are not
-/// offered (E_NOTIMPL).
+/// IVideoWindow. The window exists only while it has an owner, so what needs a window answers
+/// VFW_E_NOT_CONNECTED without a connection and E_UNEXPECTED without an owner. Palettes, border colours and a
+/// full-screen mode of its own are not offered (E_NOTIMPL).
 class VideoWindowControl final : public DualFilterPart<IVideoWindow> {
 public:
     VideoWindowControl(BaseFilter& filter, RendererCore& core) : DualFilterPart(filter), core_(core) {}
@@ -58,8 +58,10 @@ public:
 private:
     [[nodiscard]] HRESULT NeedWindow(HWND* window) const;
     [[nodiscard]] HRESULT Place(RECT* place) const;
-    template <class Change> [[nodiscard]] HRESULT Move(Change&& change);
-    template <class Read> [[nodiscard]] HRESULT ReadPlace(LONG* value, Read&& read) const;
+    template <class Change>
+    [[nodiscard]] HRESULT Move(Change&& change);
+    template <class Read>
+    [[nodiscard]] HRESULT ReadPlace(LONG* value, Read&& read) const;
 
     RendererCore& core_;
 };

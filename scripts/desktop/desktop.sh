@@ -4,8 +4,9 @@
 #
 #   with_desktop NAME -- COMMAND [ARGUMENT…]
 #
-# runs COMMAND with DISPLAY, PULSE_SERVER, WINEPREFIX and their like set, wine64 in PATH, and ends with its exit
-# code. NAME tells prefixes apart (build/wine/NAME); two desktops of one name wait for each other. Works as root and
+# runs COMMAND with DISPLAY, PULSE_SERVER, WINEPREFIX and their like set, wine64 in PATH, and ends the script with its
+# exit code. NAME tells prefixes apart (build/wine/NAME); two desktops of one name wait for each other;
+# with desktop_fresh_prefix=yes the prefix is made anew. Works as root and
 # as an ordinary user, with neither systemd nor dbus. Nothing is left running, however it ends.
 #
 # Within it, or after sourcing this file: desktop_screenshot FILE.png, desktop_record_start FILE.raw,
@@ -14,6 +15,8 @@
 brindlecast_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 . "$brindlecast_root/scripts/desktop/prefix.sh"
 . "$brindlecast_root/scripts/desktop/tools.sh"
+
+desktop_last_signal=TERM
 
 desktop_say() { echo "desktop: $*" >&2; }
 
@@ -33,7 +36,7 @@ poll() {
 desktop_daemon() {
     local log=$desktop_folder/$1.log
     shift
-    setsid setpriv --pdeathsig TERM "$@" </dev/null >"$log" 2>&1 {desktop_lock}>&- &
+    setsid setpriv --pdeathsig "$desktop_last_signal" "$@" </dev/null >"$log" 2>&1 {desktop_lock}>&- &
     desktop_last_pid=$!
     desktop_pids="$desktop_last_pid $desktop_pids"
 }
@@ -75,7 +78,8 @@ start_wine() {
     wine_environment "$1"
     export PATH=${wine_program%/*}:$PATH
     make_prefix "$1" || return
-    desktop_daemon wineserver "$wine_server" -f -p
+    # This signal makes it end the programs first.
+    desktop_last_signal=INT desktop_daemon wineserver "$wine_server" -f -p
     desktop_wine_started=yes
 }
 
@@ -111,8 +115,10 @@ desktop_stop() {
 
 # run_on_desktop COMMAND…: in the background, so that a signal to us is acted on at once.
 run_on_desktop() {
-    local result
-    "$@" <&0 {desktop_lock}>&- &
+    local result guard=()
+    # A program ends with us even when we are killed outright; a function of the script can't be told so.
+    [ "$(type -t "$1")" = file ] && guard=(setpriv --pdeathsig TERM)
+    "${guard[@]}" "$@" <&0 {desktop_lock}>&- &
     desktop_command_pid=$!
     wait "$desktop_command_pid"
     result=$?
@@ -120,8 +126,8 @@ run_on_desktop() {
     return "$result"
 }
 
-with_desktop() (
-    name=$1
+with_desktop() {
+    local name=$1 prefix
     shift
     [ "${1:-}" = -- ] && shift
     [ $# -gt 0 ] || { desktop_say "usage: with_desktop NAME -- COMMAND…"; exit 2; }
@@ -130,6 +136,7 @@ with_desktop() (
     mkdir -p "$brindlecast_root/build/wine"
     exec {desktop_lock}>"$prefix.lock"
     flock -n "$desktop_lock" || { desktop_say "waiting for another desktop named $name"; flock "$desktop_lock"; }
+    [ "${desktop_fresh_prefix:-no}" = no ] || rm -rf "$prefix"
     desktop_pids='' desktop_wine_started='' desktop_command_pid='' desktop_record_pids=''
     desktop_folder=$(mktemp -d "${TMPDIR:-/tmp}/brindlecast.XXXXXX") || exit
     export desktop_folder
@@ -139,7 +146,8 @@ with_desktop() (
     trap 'exit 143' TERM
     start_display && start_sound && start_wine "$prefix" || exit
     run_on_desktop "$@"
-)
+    exit
+}
 
 # desktop_screenshot FILE.png
 desktop_screenshot() {

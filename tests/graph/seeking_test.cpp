@@ -2,6 +2,8 @@
 
 #include "base/win32/wine.h"
 
+#include <evcode.h>
+
 #include <algorithm>
 
 namespace brindlecast::testing {
@@ -291,6 +293,24 @@ TEST_F(Seeking, OnWineARendererThatCanNotSayLeavesItToTheClock) {
     Open();
     EXPECT_TRUE(engine->Seek(6.0));
     EXPECT_DOUBLE_EQ(6.0, engine->GetPosition());
+}
+
+TEST_F(Seeking, OnWineASeekFromTheEndMovesAgain) {
+    SetText("LAVSplitter.pins", L"Audio:audio");
+    SetText("LAVSplitter.keyFrames", L"");
+    Open();
+    ASSERT_TRUE(engine->Play());
+    ComPtr<IMediaEventSink> sink;
+    ASSERT_EQ(S_OK, engine->graph.As(&sink));
+    for (int renderer = 0; renderer < 2; ++renderer) {
+        ASSERT_EQ(S_OK, sink->Notify(EC_COMPLETE, S_OK, 0));
+    }
+    EXPECT_DOUBLE_EQ(60.0, engine->GetPosition());
+    EXPECT_TRUE(engine->Seek(30.0));
+    EXPECT_NEAR(30.0, engine->GetPosition(), 1.0);
+    OAFilterState state = State_Stopped;
+    engine->control->GetState(100, &state);
+    EXPECT_EQ(State_Running, state);
 }
 
 TEST_F(Seeking, TheSubstituteAnswersTheWholeInterface) {

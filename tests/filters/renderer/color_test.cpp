@@ -27,14 +27,15 @@ TEST_P(ColorTest, BarsOnScreen) {
 
 INSTANTIATE_TEST_SUITE_P(
     Formats, ColorTest,
-    ::testing::Values(PictureKind{Format::Nv12, Matrix::Bt709, false}, PictureKind{Format::Nv12, Matrix::Bt601, false},
-                      PictureKind{Format::Nv12, Matrix::Bt709, true}, PictureKind{Format::Nv12, Matrix::Bt601, true},
-                      PictureKind{Format::P010, Matrix::Bt709, false}, PictureKind{Format::P010, Matrix::Bt2020, false},
-                      PictureKind{Format::P010, Matrix::Bt2020, true}, PictureKind{Format::Yv12, Matrix::Bt601, false},
-                      PictureKind{Format::Yv12, Matrix::Bt709, true}, PictureKind{Format::Yuy2, Matrix::Bt709, false},
-                      PictureKind{Format::Yuy2, Matrix::Bt601, true}, PictureKind{Format::Ayuv, Matrix::Bt709, false},
-                      PictureKind{Format::Ayuv, Matrix::Bt601, true}, PictureKind{Format::Rgb32},
-                      PictureKind{Format::Rgb32TopDown}));
+    ::testing::Values(
+        PictureKind{Format::Nv12, Matrix::Bt709, false}, PictureKind{Format::Nv12, Matrix::Bt601, false},
+        PictureKind{Format::Nv12, Matrix::Bt709, true}, PictureKind{Format::Nv12, Matrix::Bt601, true},
+        PictureKind{Format::P010, Matrix::Bt709, false}, PictureKind{Format::P010, Matrix::Bt2020, false},
+        PictureKind{Format::P010, Matrix::Bt2020, true}, PictureKind{Format::Yv12, Matrix::Bt601, false},
+        PictureKind{Format::Yv12, Matrix::Bt709, true}, PictureKind{Format::Yuy2, Matrix::Bt709, false},
+        PictureKind{Format::Yuy2, Matrix::Bt601, true}, PictureKind{Format::Ayuv, Matrix::Bt709, false},
+        PictureKind{Format::Ayuv, Matrix::Bt601, true}, PictureKind{Format::Rgb32},
+        PictureKind{Format::Rgb32TopDown}));
 
 } // namespace
 } // namespace brindlecast::test

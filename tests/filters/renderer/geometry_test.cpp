@@ -40,11 +40,14 @@ TEST(GeometryTest, RotationAndFlip) {
     RendererBench bench(kind, 300, 300);
     bench.AttachWindow();
     bench.ShowPaused(Quadrants(kind));
-    const std::vector<Turn> turns{
-        {0, false, {kRed, kGreen, kBlue, kWhite}, 320, 180},   {90, false, {kBlue, kRed, kWhite, kGreen}, 180, 320},
-        {180, false, {kWhite, kBlue, kGreen, kRed}, 320, 180}, {270, false, {kGreen, kWhite, kRed, kBlue}, 180, 320},
-        {0, true, {kGreen, kRed, kWhite, kBlue}, 320, 180},    {90, true, {kRed, kBlue, kGreen, kWhite}, 180, 320},
-        {180, true, {kBlue, kWhite, kRed, kGreen}, 320, 180},  {270, true, {kWhite, kGreen, kBlue, kRed}, 180, 320}};
+    const std::vector<Turn> turns{{0, false, {kRed, kGreen, kBlue, kWhite}, 320, 180},
+                                  {90, false, {kBlue, kRed, kWhite, kGreen}, 180, 320},
+                                  {180, false, {kWhite, kBlue, kGreen, kRed}, 320, 180},
+                                  {270, false, {kGreen, kWhite, kRed, kBlue}, 180, 320},
+                                  {0, true, {kGreen, kRed, kWhite, kBlue}, 320, 180},
+                                  {90, true, {kRed, kBlue, kGreen, kWhite}, 180, 320},
+                                  {180, true, {kBlue, kWhite, kRed, kGreen}, 320, 180},
+                                  {270, true, {kWhite, kGreen, kBlue, kRed}, 180, 320}};
     for (const Turn& turn : turns) {
         ASSERT_EQ(bench.options->Flt_SetInt("rotation", turn.rotation), S_OK);
         ASSERT_EQ(bench.options->Flt_SetBool("flip", turn.flip), S_OK);
@@ -73,8 +76,9 @@ TEST(GeometryTest, OptionsDoNotRepaint) {
     EXPECT_TRUE(Near(SeenQuadrants(bench), upright));
     ASSERT_EQ(bench.Push(Quadrants(kind), 400'000, 800'000), S_OK);
     ASSERT_TRUE(SUCCEEDED(bench.graph->Run()));
-    EXPECT_TRUE(PumpUntil([&] { return Near(SeenQuadrants(bench), {kBlue, kWhite, kRed, kGreen}); }))
-        << "the next frame shows them";
+    EXPECT_TRUE(PumpUntil([&] {
+        return Near(SeenQuadrants(bench), {kBlue, kWhite, kRed, kGreen});
+    })) << "the next frame shows them";
 }
 
 TEST(GeometryTest, BlackOutsideThePicture) {
@@ -117,7 +121,8 @@ class CircleTest : public ::testing::TestWithParam<Shape> {};
 /// A circle stays one whatever the sample aspect and the rotation.
 TEST_P(CircleTest, StaysRound) {
     const Shape shape = GetParam();
-    PictureKind kind{Format::Nv12, Matrix::Bt601, false, shape.width, shape.height, shape.aspectX, shape.aspectY};
+    PictureKind kind{Format::Nv12, Matrix::Bt601, false,        shape.width,
+                     shape.height, shape.aspectX, shape.aspectY};
     RendererBench bench(kind, 400, 400);
     bench.AttachWindow();
     ASSERT_EQ(bench.options->Flt_SetInt("rotation", shape.rotation), S_OK);
@@ -129,11 +134,12 @@ TEST_P(CircleTest, StaysRound) {
     const double scale = std::min(400.0 / static_cast<double>(width), 400.0 / static_cast<double>(height));
     const LONG shownWidth = static_cast<LONG>(scale * static_cast<double>(width));
     const LONG shownHeight = static_cast<LONG>(scale * static_cast<double>(height));
-    bench.Place(400, 400, {(400 - shownWidth) / 2, (400 - shownHeight) / 2, (400 + shownWidth) / 2,
-                           (400 + shownHeight) / 2});
-    const double pixelAspect = shape.aspectX == 0 ? 1.0
-                                                  : static_cast<double>(shape.aspectX) / shape.aspectY * shape.height /
-                                                        shape.width;
+    bench.Place(
+        400, 400,
+        {(400 - shownWidth) / 2, (400 - shownHeight) / 2, (400 + shownWidth) / 2, (400 + shownHeight) / 2});
+    const double pixelAspect =
+        shape.aspectX == 0 ? 1.0
+                           : static_cast<double>(shape.aspectX) / shape.aspectY * shape.height / shape.width;
     bench.ShowPaused(MakePicture(kind, [&](int x, int y) {
         const double dx = (x + 0.5 - shape.width / 2.0) * pixelAspect;
         const double dy = y + 0.5 - shape.height / 2.0;
@@ -152,12 +158,14 @@ TEST_P(CircleTest, StaysRound) {
     EXPECT_NEAR(across, down, 2);
 }
 
-INSTANTIATE_TEST_SUITE_P(Shapes, CircleTest,
-                         ::testing::Values(Shape{320, 180, 0, 0, 0, 320, 180}, Shape{320, 180, 0, 0, 90, 180, 320},
-                                           Shape{360, 288, 16, 9, 0, 512, 288}, Shape{360, 288, 16, 9, 270, 288, 512},
-                                           Shape{352, 240, 4, 3, 0, 320, 240}, Shape{352, 240, 4, 3, 90, 240, 320}));
+INSTANTIATE_TEST_SUITE_P(
+    Shapes, CircleTest,
+    ::testing::Values(Shape{320, 180, 0, 0, 0, 320, 180}, Shape{320, 180, 0, 0, 90, 180, 320},
+                      Shape{360, 288, 16, 9, 0, 512, 288}, Shape{360, 288, 16, 9, 270, 288, 512},
+                      Shape{352, 240, 4, 3, 0, 320, 240}, Shape{352, 240, 4, 3, 90, 240, 320}));
 
-/// A fine pattern that is made much smaller becomes its mean; every second pixel alone would be white or black.
+/// A fine pattern that is made much smaller becomes its mean; every second pixel alone would be white or
+/// black.
 TEST(GeometryTest, ReductionAverages) {
     PictureKind kind{Format::Rgb32, Matrix::Bt709, false, 1280, 720};
     RendererBench bench(kind, 200, 200);

@@ -148,7 +148,8 @@ TEST(LifecycleTest, StopFreesAWaitingSender) {
     bench.ShowPaused(MakePicture(kind, kRed));
     std::atomic<bool> left{false};
     Pusher pusher([&] {
-        for (int i = 1; bench.Push(MakePicture(kind, kBlue), i * 100'000'000LL, (i + 1) * 100'000'000LL) == S_OK; ++i) {
+        for (int i = 1;
+             bench.Push(MakePicture(kind, kBlue), i * 100'000'000LL, (i + 1) * 100'000'000LL) == S_OK; ++i) {
         }
         left = true;
     });

@@ -11,10 +11,14 @@ TEST(OptionsTest, NamesAndTypes) {
     PictureKind kind;
     RendererBench bench(kind);
     IExFilterConfig& options = *bench.options.Get();
-    const std::vector<std::pair<const char*, bool>> bools{{"useD3D11", true},          {"vsync", false},
-                                                          {"vBlankBeforePresent", false}, {"adjustPresentTime", false},
-                                                          {"vpScaling", false},        {"lessRedraws", true},
-                                                          {"d3dFullscreenControl", false}, {"flip", false}};
+    const std::vector<std::pair<const char*, bool>> bools{{"useD3D11", true},
+                                                          {"vsync", false},
+                                                          {"vBlankBeforePresent", false},
+                                                          {"adjustPresentTime", false},
+                                                          {"vpScaling", false},
+                                                          {"lessRedraws", true},
+                                                          {"d3dFullscreenControl", false},
+                                                          {"flip", false}};
     for (const auto& [name, value] : bools) {
         bool seen = !value;
         int number = 0;
@@ -71,7 +75,8 @@ TEST(OptionsTest, ErrorAnswers) {
 TEST(OptionsTest, RotationIsNormalised) {
     PictureKind kind;
     RendererBench bench(kind);
-    const std::vector<std::pair<int, int>> cases{{90, 90}, {450, 90}, {-90, 270}, {45, 0}, {360, 0}, {270, 270}};
+    const std::vector<std::pair<int, int>> cases{{90, 90}, {450, 90}, {-90, 270},
+                                                 {45, 0},  {360, 0},  {270, 270}};
     for (const auto& [given, kept] : cases) {
         int seen = -1;
         ASSERT_EQ(bench.options->Flt_SetInt("rotation", given), S_OK);
@@ -101,7 +106,8 @@ TEST(CaptureTest, CurrentImageHasTheDisplaySize) {
     std::vector<LONG> buffer(static_cast<std::size_t>(size) / 4 + 1);
     EXPECT_EQ(bench.basicVideo->GetCurrentImage(&size, buffer.data()), E_UNEXPECTED) << "no picture yet";
     bench.ShowPaused(Quadrants(kind));
-    ASSERT_TRUE(PumpUntil([&] { return SUCCEEDED(bench.basicVideo->GetCurrentImage(&size, buffer.data())); }, 3000));
+    ASSERT_TRUE(
+        PumpUntil([&] { return SUCCEEDED(bench.basicVideo->GetCurrentImage(&size, buffer.data())); }, 3000));
     const auto& header = *reinterpret_cast<const BITMAPINFOHEADER*>(buffer.data());
     EXPECT_EQ(header.biSize, 40U);
     EXPECT_EQ(header.biWidth, 427);
@@ -135,7 +141,8 @@ TEST(CaptureTest, DisplayedImageIsTheWindow) {
     EXPECT_EQ(header.biWidth, 400);
     EXPECT_EQ(header.biHeight, 300);
     const Image screen = bench.Screen();
-    for (const auto& [x, y] : std::vector<std::pair<int, int>>{{10, 10}, {100, 100}, {300, 100}, {100, 250}, {399, 299}}) {
+    for (const auto& [x, y] :
+         std::vector<std::pair<int, int>>{{10, 10}, {100, 100}, {300, 100}, {100, 250}, {399, 299}}) {
         EXPECT_EQ(DibColor(header, x, y), screen.At(x, y)) << x << " " << y;
     }
     CoTaskMemFree(data);

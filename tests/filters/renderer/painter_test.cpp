@@ -49,7 +49,9 @@ public:
         chain_ = SwapChainPresenter::Create(device, std::move(window), &failure);
         EXPECT_EQ(failure, S_OK);
     }
-    HRESULT Begin(PictureSize size, ID3D11RenderTargetView** target) override { return chain_->Begin(size, target); }
+    HRESULT Begin(PictureSize size, ID3D11RenderTargetView** target) override {
+        return chain_->Begin(size, target);
+    }
     HRESULT Finish() override {
         seen_ = ReadTexture(device_, chain_->BackBuffer());
         return chain_->Finish();
@@ -79,7 +81,8 @@ TEST_P(SwapChainColorTest, BarsInTheBackBuffer) {
     ASSERT_EQ(painter.Show(bars, {}), S_OK);
     ASSERT_EQ(seen.Width(), 320);
     for (int bar = 0; bar < 8; ++bar) {
-        EXPECT_LE(Distance(seen.At(bar * 40 + 20, 90), BarColors()[static_cast<std::size_t>(bar)]), 2) << kind << bar;
+        EXPECT_LE(Distance(seen.At(bar * 40 + 20, 90), BarColors()[static_cast<std::size_t>(bar)]), 2)
+            << kind << bar;
     }
     // Another size of the window, with a border around the picture.
     window.Resize(400, 300);
@@ -97,12 +100,13 @@ INSTANTIATE_TEST_SUITE_P(Formats, SwapChainColorTest,
                                            PictureKind{Format::P010, Matrix::Bt2020, false},
                                            PictureKind{Format::Yv12, Matrix::Bt601, true},
                                            PictureKind{Format::Yuy2, Matrix::Bt709, false},
-                                           PictureKind{Format::Ayuv, Matrix::Bt601, false}, PictureKind{Format::Rgb32}));
+                                           PictureKind{Format::Ayuv, Matrix::Bt601, false},
+                                           PictureKind{Format::Rgb32}));
 
 TEST(PresenterChoiceTest, ReadBackOnlyForChildrenUnderWine) {
     const HostWindow window(100, 100);
-    const HWND child = CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 5, 5, window.Handle(), nullptr, nullptr,
-                                       nullptr);
+    const HWND child =
+        CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 5, 5, window.Handle(), nullptr, nullptr, nullptr);
     EXPECT_EQ(PresenterFor(window.Handle(), true), PresenterKind::kSwapChain);
     EXPECT_EQ(PresenterFor(child, true), PresenterKind::kReadBack);
     EXPECT_EQ(PresenterFor(child, false), PresenterKind::kSwapChain);
@@ -115,7 +119,9 @@ class LosingPresenter final : public Presenter {
 public:
     LosingPresenter(const D3dDevice& device, std::shared_ptr<WindowSlot> window, bool& lose)
         : inner_(device, std::move(window)), lose_(lose) {}
-    HRESULT Begin(PictureSize size, ID3D11RenderTargetView** target) override { return inner_.Begin(size, target); }
+    HRESULT Begin(PictureSize size, ID3D11RenderTargetView** target) override {
+        return inner_.Begin(size, target);
+    }
     HRESULT Finish() override { return inner_.Finish(); }
     HRESULT Show() override {
         if (std::exchange(lose_, false)) {
@@ -136,8 +142,7 @@ TEST(DeviceLossTest, ANewDeviceShowsTheLastFrame) {
     const auto slot = std::make_shared<WindowSlot>();
     slot->Set(window.Handle());
     SubtitleLink subtitles;
-    ComPtr<FakeSubtitles> fake;
-    fake.Attach(new FakeSubtitles);
+    const ComPtr<FakeSubtitles> fake = FakeSubtitles::Create();
     subtitles.SetCallback(fake.Get());
     bool lose = false;
     std::vector<ComPtr<ID3D11Device>> devices;
@@ -149,12 +154,14 @@ TEST(DeviceLossTest, ANewDeviceShowsTheLastFrame) {
     lose = true;
     ASSERT_EQ(painter.Redraw({}), S_OK);
     ASSERT_EQ(devices.size(), 2U);
-    EXPECT_NE(devices[0], devices[1]);
+    EXPECT_NE(devices[0].Get(), devices[1].Get());
     EXPECT_EQ(fake->Devices(), (std::vector<bool>{true, false, true})) << "told before the new one comes";
-    EXPECT_TRUE(PumpUntil([&] { return Distance(ReadScreen(window.Handle()).At(200, 100), kGreen) <= 2; }, 3000));
+    EXPECT_TRUE(
+        PumpUntil([&] { return Distance(ReadScreen(window.Handle()).At(200, 100), kGreen) <= 2; }, 3000));
     lose = true;
     ASSERT_EQ(painter.Show(ToPicture(kind, MakePicture(kind, kBlue)), {}), S_OK);
-    EXPECT_TRUE(PumpUntil([&] { return Distance(ReadScreen(window.Handle()).At(200, 100), kBlue) <= 2; }, 3000));
+    EXPECT_TRUE(
+        PumpUntil([&] { return Distance(ReadScreen(window.Handle()).At(200, 100), kBlue) <= 2; }, 3000));
     subtitles.SetCallback(nullptr);
 }
 
@@ -169,7 +176,8 @@ TEST(PainterTest, RedrawBetweenPrepareAndShow) {
         return std::make_unique<ReadBackPresenter>(device, std::move(target));
     });
     const auto shows = [&](const Color& color) {
-        return PumpUntil([&] { return Distance(ReadScreen(window.Handle()).At(100, 100), color) <= 2; }, 3000);
+        return PumpUntil([&] { return Distance(ReadScreen(window.Handle()).At(100, 100), color) <= 2; },
+                         3000);
     };
     const auto first = ToPicture(kind, MakePicture(kind, kGreen));
     const auto second = ToPicture(kind, MakePicture(kind, kBlue));

@@ -21,7 +21,8 @@ RendererBench::RendererBench(const PictureKind& pictureKind, int width, int heig
     seeking = Query<IMediaSeeking>(filter, IID_IMediaSeeking);
     options = Query<IExFilterConfig>(filter, __uuidof(IExFilterConfig));
     subtitles = Query<ISubRender11>(filter, __uuidof(ISubRender11));
-    EXPECT_EQ(graph->ConnectDirect(&source->Pin(), PinsOf(filter.Get(), PINDIR_INPUT).at(0).Get()), S_OK) << kind;
+    EXPECT_EQ(graph->ConnectDirect(&source->Pin(), PinsOf(filter.Get(), PINDIR_INPUT).at(0).Get()), S_OK)
+        << kind;
 }
 
 RendererBench::~RendererBench() {

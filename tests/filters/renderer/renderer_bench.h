@@ -37,7 +37,8 @@ public:
     HRESULT Push(const std::vector<std::uint8_t>& picture, std::int64_t start, std::int64_t stop);
     /// Pauses, sends one frame and waits until the filter is ready.
     void ShowPaused(const std::vector<std::uint8_t>& picture);
-    /// Waits until the screen shows `expected` at a place of the renderer's window; the colour seen last is returned.
+    /// Waits until the screen shows `expected` at a place of the renderer's window; the colour seen last is
+    /// returned.
     [[nodiscard]] Color WaitForColor(int x, int y, const Color& expected, int tolerance = 2);
     /// Serves messages until the graph tells an event of that code.
     [[nodiscard]] bool WaitForEvent(long code, int milliseconds) const {

@@ -16,7 +16,8 @@ int Distance(const Color& a, const Color& b) {
 
 Color Image::At(int x, int y) const {
     const std::uint32_t pixel = pixels_.at(static_cast<std::size_t>(y * width_ + x));
-    return {static_cast<int>(pixel >> 16 & 0xFF), static_cast<int>(pixel >> 8 & 0xFF), static_cast<int>(pixel & 0xFF)};
+    return {static_cast<int>(pixel >> 16 & 0xFF), static_cast<int>(pixel >> 8 & 0xFF),
+            static_cast<int>(pixel & 0xFF)};
 }
 
 Image ReadScreen(HWND window) {
@@ -82,8 +83,9 @@ HostWindow::HostWindow(int width, int height) {
         description.hbrBackground = CreateSolidBrush(RGB(90, 60, 30));
         return RegisterClassW(&description);
     }();
-    window_ = CreateWindowExW(WS_EX_TOPMOST, MAKEINTATOM(kClass), L"", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, 40, 40,
-                              width, height, nullptr, nullptr, GetModuleHandleW(nullptr), this);
+    window_ =
+        CreateWindowExW(WS_EX_TOPMOST, MAKEINTATOM(kClass), L"", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, 40,
+                        40, width, height, nullptr, nullptr, GetModuleHandleW(nullptr), this);
     if (window_ == nullptr) {
         throw std::runtime_error("no host window");
     }
@@ -101,8 +103,9 @@ void HostWindow::Resize(int width, int height) const {
 
 LRESULT CALLBACK HostWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_NCCREATE) {
-        SetWindowLongPtrW(window, GWLP_USERDATA,
-                          reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams));
+        SetWindowLongPtrW(
+            window, GWLP_USERDATA,
+            reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams));
     }
     auto* self = reinterpret_cast<HostWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     const bool input = (message >= WM_MOUSEFIRST && message <= WM_MOUSELAST) ||

@@ -24,7 +24,8 @@ std::ostream& operator<<(std::ostream& out, const Color& color);
 class Image {
 public:
     Image() = default;
-    Image(int width, int height) : width_(width), height_(height), pixels_(static_cast<std::size_t>(width * height)) {}
+    Image(int width, int height)
+        : width_(width), height_(height), pixels_(static_cast<std::size_t>(width * height)) {}
 
     [[nodiscard]] int Width() const { return width_; }
     [[nodiscard]] int Height() const { return height_; }

@@ -4,6 +4,12 @@
 
 namespace brindlecast::test {
 
+Microsoft::WRL::ComPtr<FakeSubtitles> FakeSubtitles::Create() {
+    Microsoft::WRL::ComPtr<FakeSubtitles> fake;
+    *fake.GetAddressOf() = new FakeSubtitles; // mingw's Attach would count the reference twice
+    return fake;
+}
+
 void* FakeSubtitles::FindInterface(REFIID iid) noexcept {
     const bool known = iid == IID_IUnknown || iid == __uuidof(ISubRender11Callback);
     return known ? static_cast<ISubRender11Callback*>(this) : nullptr;
@@ -29,8 +35,9 @@ STDMETHODIMP FakeSubtitles::SetDevice11(ID3D11Device* device) {
     device->CreateBuffer(&buffer, &corners, vertices_.GetAddressOf());
     // Half-transparent yellow, premultiplied: B, G, R, A.
     static constexpr std::uint8_t kTexel[4] = {0, 128, 128, 128};
-    D3D11_TEXTURE2D_DESC texture{1, 1, 1, 1, DXGI_FORMAT_B8G8R8A8_UNORM, {1, 0}, D3D11_USAGE_DEFAULT,
-                                 D3D11_BIND_SHADER_RESOURCE, 0, 0};
+    D3D11_TEXTURE2D_DESC texture{
+        1, 1, 1, 1, DXGI_FORMAT_B8G8R8A8_UNORM, {1, 0}, D3D11_USAGE_DEFAULT, D3D11_BIND_SHADER_RESOURCE,
+        0, 0};
     const D3D11_SUBRESOURCE_DATA texels{kTexel, 4, 0};
     Microsoft::WRL::ComPtr<ID3D11Texture2D> made;
     device->CreateTexture2D(&texture, &texels, made.GetAddressOf());
@@ -54,8 +61,9 @@ STDMETHODIMP FakeSubtitles::SetDevice11(ID3D11Device* device) {
     return S_OK;
 }
 
-STDMETHODIMP FakeSubtitles::Render11(REFERENCE_TIME start, REFERENCE_TIME stop, REFERENCE_TIME duration, RECT video,
-                                     RECT originalVideo, RECT viewport, double stretch, int xOffset, DWORD flags) {
+STDMETHODIMP FakeSubtitles::Render11(REFERENCE_TIME start, REFERENCE_TIME stop, REFERENCE_TIME duration,
+                                     RECT video, RECT originalVideo, RECT viewport, double stretch,
+                                     int xOffset, DWORD flags) {
     const std::lock_guard lock(mutex_);
     calls_.push_back({start, stop, duration, video, originalVideo, viewport, stretch, xOffset, flags});
     Draw();

@@ -11,15 +11,18 @@
 
 namespace brindlecast::test {
 
-/// A subtitle callback that draws a rectangle of one colour in the way that players do: with a texture, a vertex buffer,
-/// a blend state and a viewport of its own, without restoring anything.
+/// A subtitle callback that draws a rectangle of one colour in the way that players do: with a texture, a
+/// vertex buffer, a blend state and a viewport of its own, without restoring anything.
 class FakeSubtitles final : public ISubRender11Callback, public RefCounted {
 public:
+    [[nodiscard]] static Microsoft::WRL::ComPtr<FakeSubtitles> Create();
+
     BRINDLECAST_COM_METHODS
 
     STDMETHODIMP SetDevice11(ID3D11Device* device) override;
     STDMETHODIMP Render11(REFERENCE_TIME start, REFERENCE_TIME stop, REFERENCE_TIME duration, RECT video,
-                          RECT originalVideo, RECT viewport, double stretch, int xOffset, DWORD flags) override;
+                          RECT originalVideo, RECT viewport, double stretch, int xOffset,
+                          DWORD flags) override;
 
     struct Call {
         REFERENCE_TIME start, stop, duration;

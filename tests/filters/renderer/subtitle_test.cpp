@@ -6,16 +6,19 @@
 namespace brindlecast::test {
 namespace {
 
-bool Same(const RECT& a, const RECT& b) { return EqualRect(&a, &b) != FALSE; }
+bool Same(const RECT& a, const RECT& b) {
+    return EqualRect(&a, &b) != FALSE;
+}
 
 /// What half-transparent yellow over a colour gives.
-Color UnderYellow(const Color& color) { return {128 + color.red / 2, 128 + color.green / 2, color.blue / 2}; }
+Color UnderYellow(const Color& color) {
+    return {128 + color.red / 2, 128 + color.green / 2, color.blue / 2};
+}
 
 TEST(SubtitleTest, DrawsWithTheRightTimesAndRectangles) {
     PictureKind kind{Format::Nv12, Matrix::Bt601, false, 320, 240, 16, 9};
     RendererBench bench(kind, 400, 300);
-    ComPtr<FakeSubtitles> fake;
-    fake.Attach(new FakeSubtitles);
+    const ComPtr<FakeSubtitles> fake = FakeSubtitles::Create();
     fake->area = {180, 200, 220, 220};
     ASSERT_EQ(bench.subtitles->SetCallback11(fake.Get()), S_OK);
     bench.AttachWindow();
@@ -47,8 +50,7 @@ TEST(SubtitleTest, NothingIsCalledAfterTheCallbackIsTakenAway) {
     PictureKind kind;
     RendererBench bench(kind);
     bench.AttachWindow();
-    ComPtr<FakeSubtitles> fake;
-    fake.Attach(new FakeSubtitles);
+    const ComPtr<FakeSubtitles> fake = FakeSubtitles::Create();
     ASSERT_EQ(bench.subtitles->SetCallback11(fake.Get()), S_OK);
     bench.ShowPaused(MakePicture(kind, kRed));
     EXPECT_LE(Distance(bench.WaitForColor(20, 10, UnderYellow(kRed), 3), UnderYellow(kRed)), 3);
@@ -70,8 +72,7 @@ TEST(SubtitleTest, NothingIsCalledAfterTheCallbackIsTakenAway) {
 
 TEST(SubtitleTest, LetsGoWhenTheFilterGoes) {
     PictureKind kind;
-    ComPtr<FakeSubtitles> fake;
-    fake.Attach(new FakeSubtitles);
+    const ComPtr<FakeSubtitles> fake = FakeSubtitles::Create();
     {
         RendererBench bench(kind);
         bench.AttachWindow();
@@ -89,8 +90,7 @@ TEST(SubtitleTest, NotCalledForTheCurrentImage) {
     PictureKind kind;
     RendererBench bench(kind);
     bench.AttachWindow();
-    ComPtr<FakeSubtitles> fake;
-    fake.Attach(new FakeSubtitles);
+    const ComPtr<FakeSubtitles> fake = FakeSubtitles::Create();
     ASSERT_EQ(bench.subtitles->SetCallback11(fake.Get()), S_OK);
     bench.ShowPaused(MakePicture(kind, kRed));
     EXPECT_LE(Distance(bench.WaitForColor(20, 10, UnderYellow(kRed), 3), UnderYellow(kRed)), 3);

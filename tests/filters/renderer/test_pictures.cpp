@@ -36,13 +36,16 @@ struct Codes {
 Codes Quantize(const Yuv& value, bool full, int bits) {
     const double unit = bits == 10 ? 4 : 1;
     const double top = bits == 10 ? 1023 : 255;
-    const auto round = [](double code) { return static_cast<int>(std::lround(code)); };
+    const auto round = [](double code) {
+        return static_cast<int>(std::lround(code));
+    };
     if (full) {
         const double middle = 128 * unit;
         return {round(value.y * top), round(std::min(middle + value.u * top, top)),
                 round(std::min(middle + value.v * top, top))};
     }
-    return {round((16 + 219 * value.y) * unit), round((128 + 224 * value.u) * unit), round((128 + 224 * value.v) * unit)};
+    return {round((16 + 219 * value.y) * unit), round((128 + 224 * value.u) * unit),
+            round((128 + 224 * value.v) * unit)};
 }
 
 struct Source {
@@ -140,19 +143,13 @@ GUID SubtypeOf(Format format) {
         return guid;
     };
     switch (format) {
-    case Format::Nv12:
-        return code("NV12");
-    case Format::P010:
-        return code("P010");
-    case Format::Yv12:
-        return code("YV12");
-    case Format::Yuy2:
-        return code("YUY2");
-    case Format::Ayuv:
-        return code("AYUV");
+    case Format::Nv12: return code("NV12");
+    case Format::P010: return code("P010");
+    case Format::Yv12: return code("YV12");
+    case Format::Yuy2: return code("YUY2");
+    case Format::Ayuv: return code("AYUV");
     case Format::Rgb32:
-    case Format::Rgb32TopDown:
-        break;
+    case Format::Rgb32TopDown: break;
     }
     return MEDIASUBTYPE_RGB32;
 }
@@ -167,7 +164,8 @@ DWORD ColorFlags(const PictureKind& kind) {
 } // namespace
 
 std::ostream& operator<<(std::ostream& out, const PictureKind& kind) {
-    static constexpr const char* kFormats[] = {"NV12", "P010", "YV12", "YUY2", "AYUV", "RGB32", "RGB32 top-down"};
+    static constexpr const char* kFormats[] = {"NV12", "P010",  "YV12",          "YUY2",
+                                               "AYUV", "RGB32", "RGB32 top-down"};
     static constexpr const char* kMatrices[] = {"601", "709", "2020"};
     return out << kFormats[static_cast<int>(kind.format)] << " " << kMatrices[static_cast<int>(kind.matrix)]
                << (kind.fullRange ? " full " : " limited ") << kind.width << "x" << kind.height;
@@ -201,21 +199,17 @@ MediaType TypeOf(const PictureKind& kind) {
     return type;
 }
 
-std::vector<std::uint8_t> MakePicture(const PictureKind& kind, const std::function<Color(int x, int y)>& pixel) {
+std::vector<std::uint8_t> MakePicture(const PictureKind& kind,
+                                      const std::function<Color(int x, int y)>& pixel) {
     const Source source{kind, pixel};
     switch (kind.format) {
-    case Format::Nv12:
-        return MakeSemiPlanar(source, false);
-    case Format::P010:
-        return MakeSemiPlanar(source, true);
-    case Format::Yv12:
-        return MakePlanar(source);
+    case Format::Nv12: return MakeSemiPlanar(source, false);
+    case Format::P010: return MakeSemiPlanar(source, true);
+    case Format::Yv12: return MakePlanar(source);
     case Format::Yuy2:
-    case Format::Ayuv:
-        return MakePacked(source);
+    case Format::Ayuv: return MakePacked(source);
     case Format::Rgb32:
-    case Format::Rgb32TopDown:
-        break;
+    case Format::Rgb32TopDown: break;
     }
     return MakeRgb(source);
 }

@@ -30,7 +30,8 @@ std::ostream& operator<<(std::ostream& out, const PictureKind& kind);
 
 [[nodiscard]] MediaType TypeOf(const PictureKind& kind);
 
-/// The memory of a picture whose pixels have these colours, computed here from the definitions of the matrices.
+/// The memory of a picture whose pixels have these colours, computed here from the definitions of the
+/// matrices.
 [[nodiscard]] std::vector<std::uint8_t> MakePicture(const PictureKind& kind,
                                                     const std::function<Color(int x, int y)>& pixel);
 [[nodiscard]] std::vector<std::uint8_t> MakePicture(const PictureKind& kind, const Color& all);

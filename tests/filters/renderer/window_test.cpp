@@ -20,8 +20,8 @@ TEST(WindowTest, ExistsWhileItHasAnOwner) {
     EXPECT_EQ(bench.videoWindow->put_Visible(OATRUE), E_UNEXPECTED);
     EXPECT_EQ(bench.videoWindow->SetWindowPosition(0, 0, 10, 10), E_UNEXPECTED);
     // Another child is there first; the renderer's comes before it.
-    const HWND other = CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 5, 5, bench.host.Handle(), nullptr, nullptr,
-                                       nullptr);
+    const HWND other = CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 5, 5, bench.host.Handle(), nullptr,
+                                       nullptr, nullptr);
     bench.AttachWindow();
     const HWND window = bench.RendererWindow();
     ASSERT_NE(window, nullptr);
