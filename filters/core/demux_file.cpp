@@ -139,11 +139,9 @@ bool DemuxFile::Seek(DemuxTime target, int stream) {
                                     8 * kSecond, 16 * kSecond, 40 * kSecond};
     bool went = false;
     for (const DemuxTime step : kSteps) {
-        const DemuxTime place = std::max<DemuxTime>(target - step, 0);
+        const DemuxTime place = target - step;
         pending_.clear();
-        went = SeekRaw(containerIndex, ToTimestamp(containerIndex, place));
-        if (!went && place <= 0)
-            went = avformat_seek_file(context_.get(), -1, INT64_MIN, context_->start_time, INT64_MAX, 0) >= 0;
+        went = place > 0 ? SeekRaw(containerIndex, ToTimestamp(containerIndex, place)) : SeekToStart(containerIndex);
         if (!went)
             continue;
         const std::optional<DemuxTime> found = ReadToKeyframe(stream);
@@ -151,6 +149,14 @@ bool DemuxFile::Seek(DemuxTime target, int stream) {
             return true;
     }
     return went;
+}
+
+/// The first keyframe may be decoded before time 0, so that a place well before it is asked for; formats that refuse
+/// that are asked for the start itself.
+bool DemuxFile::SeekToStart(int containerIndex) {
+    return SeekRaw(containerIndex, ToTimestamp(containerIndex, -10 * kSecond)) ||
+           SeekRaw(containerIndex, ToTimestamp(containerIndex, 0)) ||
+           avformat_seek_file(context_.get(), -1, INT64_MIN, context_->start_time, INT64_MAX, 0) >= 0;
 }
 
 std::optional<DemuxTime> DemuxFile::ReadToKeyframe(int stream) {

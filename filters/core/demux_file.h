@@ -91,6 +91,7 @@ private:
     void SelectStreams();
     ReadResult ReadRaw(DemuxPacket& packet);
     bool SeekRaw(int containerIndex, std::int64_t timestamp);
+    bool SeekToStart(int containerIndex);
     /// Reads on to the first keyframe of the stream, keeping the packets for Read; its time, if there was one.
     std::optional<DemuxTime> ReadToKeyframe(int stream);
 

@@ -10,7 +10,7 @@ native_tool_sources() {
     stamp_sound) echo "$capture/stamp_sound.cpp" ;;
     watch_screen) echo "$capture/watch_screen.cpp $capture/screen.cpp" ;;
     judge_playback)
-        echo "$capture/judge_playback.cpp $capture/picture_match.cpp $capture/sound_match.cpp" \
+        echo "$capture/judge_playback.cpp $capture/picture_match.cpp $capture/picture_place.cpp $capture/thumbnail.cpp $capture/sound_match.cpp" \
             "$tests/support/tone_analysis.cpp $tests/support/fourier.cpp $tests/support/frame_mark.cpp"
         ;;
     *)

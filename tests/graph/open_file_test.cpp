@@ -119,6 +119,22 @@ TEST_F(OpenFile, AFailedBuildIsRepeatedOnceAfterAPause) {
     EXPECT_EQ(0, RecorderLiving());
 }
 
+TEST_F(OpenFile, NothingOfAFailedBuildIsLeftInTheNext) {
+    // The first build fails at its very end, with every filter made.
+    SetNumber("LAVAudio.refuse", VFW_E_TYPE_NOT_ACCEPTED);
+    EXPECT_FALSE(engine->OpenFile(kFilm));
+    Lines loads;
+    for (unsigned i = 0; i < RecorderCount(); ++i) {
+        const std::wstring line = RecorderLineAt(i);
+        if (line.starts_with(L"LAVSplitter.Load with")) {
+            loads.push_back(line);
+        }
+    }
+    // The renderer and the splitter itself.
+    EXPECT_EQ((Lines{L"LAVSplitter.Load with 2 filters alive", L"LAVSplitter.Load with 2 filters alive"}),
+              loads);
+}
+
 TEST_F(OpenFile, AFailedOpenClosesWhatWasOpen) {
     ASSERT_TRUE(engine->OpenFile(kFilm));
     SetNumber("LAVSplitter.load", E_FAIL);

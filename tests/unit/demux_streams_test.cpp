@@ -19,6 +19,19 @@ DemuxStream Stream(StreamKind kind, std::string language, bool isDefault = false
     return stream;
 }
 
+StreamPreferences Sound(std::vector<std::string> languages) {
+    StreamPreferences preferences;
+    preferences.audioLanguages = std::move(languages);
+    return preferences;
+}
+
+StreamPreferences Texts(Subtitles mode, std::vector<std::string> languages = {}) {
+    StreamPreferences preferences;
+    preferences.subtitles = mode;
+    preferences.subtitleLanguages = std::move(languages);
+    return preferences;
+}
+
 TEST(DemuxStreams, LanguageListsAreSplitTrimmedAndLowered) {
     EXPECT_THAT(ParseLanguages("kor,eng,jpn"), ElementsAre("kor", "eng", "jpn"));
     EXPECT_THAT(ParseLanguages(" KOR ;, eng,"), ElementsAre("kor", "eng"));
@@ -38,9 +51,9 @@ TEST(DemuxStreams, SoundGoesByLanguageThenFlagThenOrderAndOnlyDecodableCounts) {
     const std::vector<DemuxStream> streams = {
         Stream(StreamKind::Audio, "eng", true, false), Stream(StreamKind::Audio, "fra"),
         Stream(StreamKind::Audio, "jpn", true), Stream(StreamKind::Audio, "kor")};
-    EXPECT_EQ(ChooseStreams(streams, {.audioLanguages = {"kor", "jpn"}}).audio, 3);
-    EXPECT_EQ(ChooseStreams(streams, {.audioLanguages = {"eng", "fre"}}).audio, 1);
-    EXPECT_EQ(ChooseStreams(streams, {.audioLanguages = {"ita"}}).audio, 2);
+    EXPECT_EQ(ChooseStreams(streams, Sound({"kor", "jpn"})).audio, 3);
+    EXPECT_EQ(ChooseStreams(streams, Sound({"eng", "fre"})).audio, 1);
+    EXPECT_EQ(ChooseStreams(streams, Sound({"ita"})).audio, 2);
     EXPECT_EQ(ChooseStreams({streams[0], streams[1]}, {}).audio, 1);
     EXPECT_EQ(ChooseStreams({streams[0]}, {}).audio, -1);
     EXPECT_EQ(ChooseStreams(streams, {}).video, -1);
@@ -49,13 +62,13 @@ TEST(DemuxStreams, SoundGoesByLanguageThenFlagThenOrderAndOnlyDecodableCounts) {
 TEST(DemuxStreams, SubtitlesAreChosenByModeOnly) {
     std::vector<DemuxStream> streams = {Stream(StreamKind::Subtitle, "eng"), Stream(StreamKind::Subtitle, "kor", true),
                                         Stream(StreamKind::Subtitle, "jpn")};
-    EXPECT_EQ(ChooseStreams(streams, {.subtitleLanguages = {"jpn"}}).subtitle, -1);
-    EXPECT_EQ(ChooseStreams(streams, {.subtitleLanguages = {"jpn"}, .subtitles = Subtitles::Default}).subtitle, 2);
-    EXPECT_EQ(ChooseStreams(streams, {.subtitles = Subtitles::Default}).subtitle, 1);
-    EXPECT_EQ(ChooseStreams(streams, {.subtitles = Subtitles::ForcedOnly}).subtitle, -1);
+    EXPECT_EQ(ChooseStreams(streams, Texts(Subtitles::None, {"jpn"})).subtitle, -1);
+    EXPECT_EQ(ChooseStreams(streams, Texts(Subtitles::Default, {"jpn"})).subtitle, 2);
+    EXPECT_EQ(ChooseStreams(streams, Texts(Subtitles::Default)).subtitle, 1);
+    EXPECT_EQ(ChooseStreams(streams, Texts(Subtitles::ForcedOnly)).subtitle, -1);
     streams[2].isForced = true;
-    EXPECT_EQ(ChooseStreams(streams, {.subtitles = Subtitles::ForcedOnly}).subtitle, 2);
-    EXPECT_EQ(ChooseStreams(streams, {.subtitleLanguages = {"eng"}, .subtitles = Subtitles::ForcedOnly}).subtitle, -1);
+    EXPECT_EQ(ChooseStreams(streams, Texts(Subtitles::ForcedOnly)).subtitle, 2);
+    EXPECT_EQ(ChooseStreams(streams, Texts(Subtitles::ForcedOnly, {"eng"})).subtitle, -1);
 }
 
 TEST(DemuxStreams, NamesHaveTitleLanguageAndCodecAndNoWordOfTheirOwn) {

@@ -153,6 +153,7 @@ public:
     // IFileSourceFilter
     STDMETHODIMP Load(LPCOLESTR path, const AM_MEDIA_TYPE* type) override {
         Record(kRecordCall, FormatText(L"Load(%s, %s)", path, type == nullptr ? L"null" : L"type"));
+        Record(kRecordQuery, FormatText(L"Load with %d filters alive", RecorderLiving()));
         const wchar_t* list = ScriptText("pins");
         for (const std::wstring& pin : Split(list != nullptr ? list : L"", L';')) {
             const auto colon = pin.find(L':');

@@ -1,8 +1,12 @@
 #include "tests/support/capture/picture_match.h"
 
+#include "tests/support/capture/picture_place.h"
+
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <utility>
 
 namespace brindlecast::testing {
@@ -30,21 +34,6 @@ double Decibels(double meanSquare) {
     return 10 * std::log10(255.0 * 255.0 / std::max(meanSquare, 1e-3));
 }
 
-double Variance(const Thumbnail& picture) {
-    double result = 0;
-    for (std::size_t channel = 0; channel < 3; ++channel) {
-        double sum = 0;
-        double squares = 0;
-        for (std::size_t i = channel; i < picture.values.size(); i += 3) {
-            sum += picture.values[i];
-            squares += static_cast<double>(picture.values[i]) * picture.values[i];
-        }
-        const double count = static_cast<double>(picture.values.size()) / 3;
-        result = std::max(result, squares / count - (sum / count) * (sum / count));
-    }
-    return result;
-}
-
 const Thumbnail& FrameAt(const ReferenceFilm& film, double seconds) {
     const double index = std::floor(seconds * film.framesPerSecond + 1e-6);
     return film.frames[static_cast<std::size_t>(
@@ -53,92 +42,6 @@ const Thumbnail& FrameAt(const ReferenceFilm& film, double seconds) {
 
 double Length(const ReferenceFilm& film) {
     return static_cast<double>(film.frames.size()) / film.framesPerSecond;
-}
-
-// Like Shrink, from nine points of each part only: for quick comparisons of places.
-Thumbnail Sample(const BgraView& image, const PixelRect& rect, int width, int height) {
-    constexpr int kPoints = 3;
-    Thumbnail result{width, height, {}};
-    result.values.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 3);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            std::array<float, 3> sum{};
-            for (int point = 0; point < kPoints * kPoints; ++point) {
-                const int partX = 2 * (x * kPoints + point % kPoints) + 1;
-                const int partY = 2 * (y * kPoints + point / kPoints) + 1;
-                const int sourceX = rect.left + partX * rect.width / (2 * kPoints * width);
-                const int sourceY = rect.top + partY * rect.height / (2 * kPoints * height);
-                const std::uint8_t* pixel =
-                    image.data + image.stride * sourceY + static_cast<std::ptrdiff_t>(sourceX) * 4;
-                sum[0] += pixel[0];
-                sum[1] += pixel[1];
-                sum[2] += pixel[2];
-            }
-            for (const float channel : sum) {
-                result.values.push_back(channel / (kPoints * kPoints));
-            }
-        }
-    }
-    return result;
-}
-
-const Grab& Liveliest(std::span<const Grab> grabs) {
-    std::vector<double> variances;
-    for (const Grab& grab : grabs) {
-        variances.push_back(
-            Variance(Sample(grab.window, {0, 0, grab.window.width, grab.window.height}, 32, 18)));
-    }
-    const auto most = std::max_element(variances.begin(), variances.end());
-    return grabs[static_cast<std::size_t>(most - variances.begin())];
-}
-
-// Heights of the bars above and below and width of the frame around, from, to and in steps of, in pixels.
-struct PlaceRange {
-    int frameFrom, frameTo, frameStep;
-    int topFrom, topTo, topStep;
-    int bottomFrom, bottomTo, bottomStep;
-};
-
-struct Place {
-    PixelRect rect;
-    int frame = 0;
-    int top = 0;
-    int bottom = 0;
-    double meanSquare = std::numeric_limits<double>::max(); // against the nearest frame
-};
-
-// For every height of the upper bar the place whose content is nearest to any of the frames; the best ones
-// first.
-std::vector<Place> BestPlaces(const BgraView& window, const ReferenceFilm& film,
-                              std::span<const Thumbnail> frames, const PlaceRange& range) {
-    const Thumbnail& model = film.frames.front();
-    std::vector<Place> places;
-    for (int top = range.topFrom; top <= range.topTo; top += range.topStep) {
-        Place best;
-        for (int frame = range.frameFrom; frame <= range.frameTo; frame += range.frameStep) {
-            for (int bottom = range.bottomFrom; bottom <= range.bottomTo; bottom += range.bottomStep) {
-                const PixelRect host{frame, frame + top, window.width - 2 * frame,
-                                     window.height - 2 * frame - top - bottom};
-                const PixelRect rect = FitPicture(host, film.displayWidth, film.displayHeight);
-                if (rect.width < model.width || rect.height < model.height) {
-                    continue;
-                }
-                const Thumbnail picture = Sample(window, rect, model.width, model.height);
-                for (const Thumbnail& candidate : frames) {
-                    const double meanSquare = MeanSquare(picture, candidate);
-                    if (meanSquare < best.meanSquare) {
-                        best = {rect, frame, top, bottom, meanSquare};
-                    }
-                }
-            }
-        }
-        if (best.rect.width > 0) {
-            places.push_back(best);
-        }
-    }
-    std::sort(places.begin(), places.end(),
-              [](const Place& one, const Place& other) { return one.meanSquare < other.meanSquare; });
-    return places;
 }
 
 struct Alignment {
@@ -150,12 +53,6 @@ struct Alignment {
 
 bool Covers(const ReferenceFilm& film, double seconds) {
     return seconds >= kLeftOutAtBegin && seconds < Length(film) - kLeftOutAtEnd;
-}
-
-// What one wrong picture may weigh at most when the delay is sought.
-double Capped(double meanSquare) {
-    constexpr double kWrong = 2000.0;
-    return std::min(meanSquare, kWrong);
 }
 
 // The one delay under which the pictures agree best with the film. Pictures from before its beginning or
@@ -257,40 +154,58 @@ Motion MeasureMotion(std::span<const Grab> grabs, std::span<const Thumbnail> pic
     return motion;
 }
 
+// Pictures from all over the run. The first ones may be of a window that is not ready.
+std::array<const Grab*, 3> Chosen(std::span<const Grab> grabs) {
+    return {&grabs[grabs.size() / 3], &grabs[grabs.size() / 2], &grabs[grabs.size() * 3 / 4]};
+}
+
+bool AreOfOneSize(std::span<const Grab> grabs) {
+    return std::all_of(grabs.begin(), grabs.end(), [&grabs](const Grab& grab) {
+        return grab.window.width == grabs.front().window.width &&
+               grab.window.height == grabs.front().window.height;
+    });
+}
+
 // First guesses at the place, when the delay is not known yet; the likeliest first.
 std::vector<Place> GuessPlaces(std::span<const Grab> grabs, const ReferenceFilm& film) {
     constexpr std::size_t kGuesses = 5;
     constexpr PlaceRange kAnywhere{0, 8, 4, 0, 64, 8, 0, 128, 8};
-    const Grab& liveliest = Liveliest(grabs);
-    std::vector<Thumbnail> frames;
-    const double last = std::min(liveliest.time, Length(film));
-    for (double at = std::max(0.0, last - kLongestDelay); at <= last; at += 0.2) {
-        frames.push_back(FrameAt(film, at));
+    std::vector<Witness> witnesses;
+    for (const Grab* grab : Chosen(grabs)) {
+        Witness witness{grab->window, {}};
+        const double last = std::min(grab->time, Length(film));
+        for (double at = std::max(0.0, last - kLongestDelay); at <= last; at += 0.2) {
+            witness.frames.push_back(FrameAt(film, at));
+        }
+        witnesses.push_back(std::move(witness));
     }
-    std::vector<Place> places = BestPlaces(liveliest.window, film, frames, kAnywhere);
+    std::vector<Place> places = BestPlaces(witnesses, film.displayWidth, film.displayHeight, kAnywhere);
     places.resize(std::min(places.size(), kGuesses));
     return places;
 }
 
-// The place to the pixel, when the frame that the liveliest picture shows is known.
+// The place to the pixel, when it is known about which frames the pictures show.
 Place RefinePlace(std::span<const Grab> grabs, const ReferenceFilm& film, const Place& guess, double delay) {
     constexpr int kReach = 6;
-    const Grab& liveliest = Liveliest(grabs);
     const Thumbnail& model = film.frames.front();
-    const double expected = liveliest.time - delay;
-    const Thumbnail guessed = Sample(liveliest.window, guess.rect, model.width, model.height);
-    const double shown = expected + NearestFrame(guessed, film, expected).offset;
-    std::vector<Thumbnail> frames;
-    for (const int step : {-1, 0, 1}) {
-        frames.push_back(FrameAt(film, shown + step / film.framesPerSecond));
+    std::vector<Witness> witnesses;
+    for (const Grab* grab : Chosen(grabs)) {
+        Witness witness{grab->window, {}};
+        const double expected = grab->time - delay;
+        const Thumbnail guessed = Sample(grab->window, guess.rect, model.width, model.height);
+        const double shown = expected + NearestFrame(guessed, film, expected).offset;
+        for (const int step : {-1, 0, 1}) {
+            witness.frames.push_back(FrameAt(film, shown + step / film.framesPerSecond));
+        }
+        witnesses.push_back(std::move(witness));
     }
     const auto from = [](int value) {
         return std::max(0, value - kReach);
     };
-    const PlaceRange near{from(guess.frame),  guess.frame + kReach,  1,
+    const PlaceRange near{from(guess.frame),  guess.frame + kReach,  2,
                           from(guess.top),    guess.top + kReach,    1,
                           from(guess.bottom), guess.bottom + kReach, 1};
-    const std::vector<Place> places = BestPlaces(liveliest.window, film, frames, near);
+    const std::vector<Place> places = BestPlaces(witnesses, film.displayWidth, film.displayHeight, near);
     return places.empty() ? guess : places.front();
 }
 
@@ -326,43 +241,6 @@ std::pair<Place, Alignment> Locate(std::span<const Grab> grabs, const ReferenceF
 
 } // namespace
 
-Thumbnail Shrink(const BgraView& image, const PixelRect& rect, int width, int height) {
-    Thumbnail result{width, height, {}};
-    result.values.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 3);
-    for (int y = 0; y < height; ++y) {
-        const int top = rect.top + y * rect.height / height;
-        const int bottom = std::max(top + 1, rect.top + (y + 1) * rect.height / height);
-        for (int x = 0; x < width; ++x) {
-            const int left = rect.left + x * rect.width / width;
-            const int right = std::max(left + 1, rect.left + (x + 1) * rect.width / width);
-            std::array<float, 3> sum{};
-            for (int sourceY = top; sourceY < bottom; ++sourceY) {
-                const std::uint8_t* pixel =
-                    image.data + image.stride * sourceY + static_cast<std::ptrdiff_t>(left) * 4;
-                for (int sourceX = left; sourceX < right; ++sourceX, pixel += 4) {
-                    sum[0] += pixel[0];
-                    sum[1] += pixel[1];
-                    sum[2] += pixel[2];
-                }
-            }
-            const auto count = static_cast<float>((right - left) * (bottom - top));
-            for (const float channel : sum) {
-                result.values.push_back(channel / count);
-            }
-        }
-    }
-    return result;
-}
-
-double MeanSquare(const Thumbnail& one, const Thumbnail& other) {
-    double sum = 0;
-    for (std::size_t i = 0; i < one.values.size(); ++i) {
-        const double difference = static_cast<double>(one.values[i]) - other.values[i];
-        sum += difference * difference;
-    }
-    return sum / static_cast<double>(std::max<std::size_t>(1, one.values.size()));
-}
-
 PictureVerdict JudgePicture(std::span<const Grab> grabs, const ReferenceFilm& film) {
     PictureVerdict verdict;
     const auto refuse = [&verdict](std::string complaint) {
@@ -372,10 +250,13 @@ PictureVerdict JudgePicture(std::span<const Grab> grabs, const ReferenceFilm& fi
     if (grabs.size() < kFewestPictures || film.frames.empty()) {
         return refuse("too few pictures to judge");
     }
+    if (!AreOfOneSize(grabs)) {
+        return refuse("the window changed its size");
+    }
     const auto [place, alignment] = Locate(grabs, film);
     const std::vector<Thumbnail> pictures = Cut(grabs, place.rect, film);
     if (pictures.empty()) {
-        return refuse("the window changed its size or is too small");
+        return refuse("the window is too small");
     }
     if (alignment.compared == 0) {
         return refuse("too few pictures fall into the film");

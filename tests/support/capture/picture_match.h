@@ -1,9 +1,8 @@
 #pragma once
 
-#include "tests/support/frame_mark.h"
+#include "tests/support/capture/thumbnail.h"
 
 #include <cstddef>
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -11,20 +10,6 @@
 namespace brindlecast::testing {
 
 // Compares what the screen showed with what ffmpeg decodes from the same file. Pure; times are in seconds.
-
-// A picture reduced to a few thousand values, three a pixel (B, G, R), 0..255.
-struct Thumbnail {
-    int width = 0;
-    int height = 0;
-    std::vector<float> values;
-};
-
-// The part of the image that `rect` covers, every pixel of the result being the mean of what falls on it.
-// `rect` must lie inside the image and be no smaller than the result.
-[[nodiscard]] Thumbnail Shrink(const BgraView& image, const PixelRect& rect, int width, int height);
-
-// Mean square of the differences; the sizes must agree.
-[[nodiscard]] double MeanSquare(const Thumbnail& one, const Thumbnail& other);
 
 // The film at a fixed frame rate from its beginning.
 struct ReferenceFilm {

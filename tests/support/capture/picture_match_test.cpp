@@ -5,13 +5,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <optional>
 #include <random>
 
 namespace brindlecast::testing {
 namespace {
 
-constexpr int kWidth = 64;
-constexpr int kHeight = 36;
+constexpr int kWidth = 32;
+constexpr int kHeight = 18;
 constexpr double kRate = 25;
 
 using Pixels = std::vector<std::uint8_t>;
@@ -92,6 +93,15 @@ TEST(PictureMatch, AStillFilmPassesWhenItIsShown) {
     EXPECT_TRUE(verdict.seen) << verdict.complaint;
     EXPECT_TRUE(verdict.still);
     EXPECT_FALSE(verdict.delayIsSure);
+}
+
+TEST(PictureMatch, AWindowThatIsNotReadyAtFirstDoesNoHarm) {
+    Showing run(7, [](double time) { return After(0.1, time); });
+    for (std::size_t i = 0; i < run.windows.front().size(); ++i) {
+        run.windows.front()[i] = i / 4 % 480 < 240 ? 0 : 255;
+    }
+    const PictureVerdict verdict = JudgePicture(run.grabs, Film(8));
+    EXPECT_TRUE(verdict.seen) << verdict.complaint;
 }
 
 TEST(PictureMatch, ABlackRunFails) {
