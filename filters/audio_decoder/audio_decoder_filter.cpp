@@ -1,6 +1,6 @@
 #include "filters/audio_decoder/audio_decoder_filter.h"
 
-#include "filters/audio_decoder/audio_type.h"
+#include "filters/base/audio_type.h"
 #include "filters/base/sample_allocator.h"
 #include "filters/base/stream_formats.h"
 

@@ -1,6 +1,6 @@
 #include "filters/audio_switcher/audio_switcher_filter.h"
 
-#include "filters/audio_decoder/audio_type.h"
+#include "filters/base/audio_type.h"
 
 #include <algorithm>
 #include <cmath>

@@ -16,9 +16,9 @@ class BasePin;
 
 /// IBaseFilter with state, clock, graph and a list of pins.
 ///
-/// Threads: the graph calls from the application's threads. The state lock guards state changes, connections and the
-/// list of pins. A streaming thread must never take it: it reads the atomic state, uses Notify, and has its own lock.
-/// Order of locks: state lock, then a streaming lock, then small leaf locks.
+/// Threads: the graph calls from the application's threads. The state lock guards state changes, connections
+/// and the list of pins. A streaming thread must never take it: it reads the atomic state, uses Notify, and
+/// has its own lock. Order of locks: state lock, then a streaming lock, then small leaf locks.
 ///
 /// A derived filter overrides Pause, Run and Stop where it has work to do, and calls these.
 class BaseFilter : public IBaseFilter, public IAMFilterMiscFlags, public RefCounted {
@@ -64,7 +64,8 @@ protected:
     /// The interface of that id as the right base of this object, or null. Overriders end with this one.
     [[nodiscard]] virtual void* FindInterface(REFIID iid) noexcept;
 
-    /// Takes over a pin. Pins live as long as the filter; a removed one stays allocated, because callers may hold it.
+    /// Takes over a pin. Pins live as long as the filter; a removed one stays allocated, because callers may
+    /// hold it.
     void AddPin(std::unique_ptr<BasePin> pin);
 
 private:
@@ -81,8 +82,8 @@ private:
 
     std::mutex graphLock_; // leaf lock: clock, graph, sink, name
     Microsoft::WRL::ComPtr<IReferenceClock> clock_;
-    IFilterGraph* graph_ = nullptr;    // not referenced: the graph owns the filter
-    IMediaEventSink* sink_ = nullptr;  // not referenced, for the same reason
+    IFilterGraph* graph_ = nullptr;   // not referenced: the graph owns the filter
+    IMediaEventSink* sink_ = nullptr; // not referenced, for the same reason
     std::wstring name_;
 };
 

@@ -4,10 +4,11 @@
 
 namespace brindlecast {
 
-/// What both kinds of pin share: identity, connection, media type, segment. A pin shares its filter's reference count.
+/// What both kinds of pin share: identity, connection, media type, segment. A pin shares its filter's
+/// reference count.
 ///
-/// Connection and disconnection happen under the filter's state lock. Streaming threads use Peer(), which has a lock
-/// of its own.
+/// Connection and disconnection happen under the filter's state lock. Streaming threads use Peer(), which has
+/// a lock of its own.
 class BasePin : public IPin, public IQualityControl {
 public:
     BasePin(const BasePin&) = delete;
@@ -55,7 +56,8 @@ public:
     };
     [[nodiscard]] Segment CurrentSegment();
 
-    /// From stopped to paused, and back. Called under the state lock, for connected pins only. Overriders call the base.
+    /// From stopped to paused, and back. Called under the state lock, for connected pins only. Overriders
+    /// call the base.
     virtual HRESULT Activate();
     virtual void Deactivate();
 
@@ -66,7 +68,8 @@ protected:
 
     /// Types that this pin offers, best first. State lock held.
     [[nodiscard]] virtual std::vector<MediaType> PreferredTypes() = 0;
-    /// S_OK when a connection or a format change to this type is possible. Never blocks; also called while streaming.
+    /// S_OK when a connection or a format change to this type is possible. Never blocks; also called while
+    /// streaming.
     [[nodiscard]] virtual HRESULT CheckType(const MediaType& type) = 0;
     /// The type of a connection being made was agreed on. May refuse.
     virtual HRESULT OnTypeAgreed(const MediaType&) { return S_OK; }

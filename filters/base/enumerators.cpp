@@ -48,7 +48,8 @@ STDMETHODIMP MediaTypeEnumerator::Clone(IEnumMediaTypes** copy) {
     });
 }
 
-PinEnumerator::PinEnumerator(BaseFilter& filter, ULONG position) : filter_(filter), version_(0), position_(position) {
+PinEnumerator::PinEnumerator(BaseFilter& filter, ULONG position)
+    : filter_(filter), version_(0), position_(position) {
     pins_ = filter_.PinSnapshot(version_);
     filter_.AddRef();
 }

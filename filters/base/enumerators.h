@@ -21,15 +21,16 @@ public:
 
 private:
     void* FindInterface(REFIID iid) noexcept {
-        return iid == IID_IUnknown || iid == IID_IEnumMediaTypes ? static_cast<IEnumMediaTypes*>(this) : nullptr;
+        return iid == IID_IUnknown || iid == IID_IEnumMediaTypes ? static_cast<IEnumMediaTypes*>(this)
+                                                                 : nullptr;
     }
 
     const std::vector<MediaType> types_;
     ULONG position_;
 };
 
-/// Walks a filter's pins as they were at its creation or last Reset; when pins have changed since, Next and Skip answer
-/// VFW_E_ENUM_OUT_OF_SYNC.
+/// Walks a filter's pins as they were at its creation or last Reset; when pins have changed since, Next and
+/// Skip answer VFW_E_ENUM_OUT_OF_SYNC.
 class PinEnumerator final : public IEnumPins, public RefCounted {
 public:
     PinEnumerator(BaseFilter& filter, ULONG position);

@@ -37,8 +37,8 @@ protected:
     [[nodiscard]] std::vector<MediaType> PreferredTypes() override { return {}; }
     void OnDisconnected() override;
 
-    /// A sample in an active, not flushing filter, on the upstream streaming thread. A format change that the sample
-    /// carries has been checked by CheckType and told by OnFormatChange before.
+    /// A sample in an active, not flushing filter, on the upstream streaming thread. A format change that the
+    /// sample carries has been checked by CheckType and told by OnFormatChange before.
     virtual HRESULT OnSample(IMediaSample& sample) = 0;
     virtual HRESULT OnFormatChange(const MediaType& type) = 0;
     /// End of the stream, on the streaming thread. Not called while flushing or stopped.

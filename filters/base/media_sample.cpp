@@ -40,7 +40,8 @@ bool MediaSample::Reserve(LONG size, LONG alignment) noexcept {
     // The bytes behind the end let FFmpeg's readers run over it.
     constexpr std::size_t kPadding = 64;
     const auto bytes = static_cast<std::size_t>(size) + kPadding;
-    auto* block = static_cast<BYTE*>(_aligned_malloc(bytes, static_cast<std::size_t>(std::max<LONG>(alignment, 64))));
+    auto* block =
+        static_cast<BYTE*>(_aligned_malloc(bytes, static_cast<std::size_t>(std::max<LONG>(alignment, 64))));
     if (block == nullptr)
         return false;
     buffer_.reset(block);

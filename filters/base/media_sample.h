@@ -13,8 +13,9 @@ namespace brindlecast {
 inline constexpr GUID kIidSampleSideData = {
     0x8f0b7f54, 0x2a6e, 0x4d0b, {0xa6, 0x1d, 0x42, 0x52, 0x4e, 0x44, 0x53, 0x44}};
 
-/// Extra data on a media sample: any number of blocks, each under a GUID that says what it is. Samples of SampleAllocator
-/// offer it through QueryInterface. Whoever holds the sample may call; no locking, like the rest of a sample.
+/// Extra data on a media sample: any number of blocks, each under a GUID that says what it is. Samples of
+/// SampleAllocator offer it through QueryInterface. Whoever holds the sample may call; no locking, like the
+/// rest of a sample.
 struct ISampleSideData : public IUnknown {
     /// Stores a copy, in place of an earlier block of that kind; a size of 0 removes it.
     virtual HRESULT STDMETHODCALLTYPE SetSideData(REFGUID kind, const BYTE* data, ULONG size) = 0;

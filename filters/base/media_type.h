@@ -6,8 +6,9 @@
 
 namespace brindlecast {
 
-/// An AM_MEDIA_TYPE that owns its format block and its pUnk. Copies are deep; the block comes from CoTaskMemAlloc, so
-/// that it can be handed to COM callers. Throws std::bad_alloc when memory runs out. Not thread-safe by itself.
+/// An AM_MEDIA_TYPE that owns its format block and its pUnk. Copies are deep; the block comes from
+/// CoTaskMemAlloc, so that it can be handed to COM callers. Throws std::bad_alloc when memory runs out. Not
+/// thread-safe by itself.
 class MediaType {
 public:
     MediaType() noexcept = default;
@@ -23,7 +24,8 @@ public:
     /// For changing plain fields. Use SetFormat for the format block.
     [[nodiscard]] AM_MEDIA_TYPE& Edit() noexcept { return type_; }
 
-    /// Empties the value and hands out its address for an API that fills it in (its block then belongs to this).
+    /// Empties the value and hands out its address for an API that fills it in (its block then belongs to
+    /// this).
     [[nodiscard]] AM_MEDIA_TYPE* Put() noexcept;
 
     /// Replaces the format block by `size` zero bytes and returns it.
@@ -31,22 +33,26 @@ public:
     void SetFormat(const GUID& formatType, const void* data, std::size_t size);
 
     /// The format block as T when the format type fits and the block is large enough, else null.
-    template <class T> [[nodiscard]] const T* Format(const GUID& formatType) const noexcept {
+    template <class T>
+    [[nodiscard]] const T* Format(const GUID& formatType) const noexcept {
         return FormatOf<T>(type_, formatType);
     }
-    template <class T> [[nodiscard]] T* Format(const GUID& formatType) noexcept {
+    template <class T>
+    [[nodiscard]] T* Format(const GUID& formatType) noexcept {
         return const_cast<T*>(FormatOf<T>(type_, formatType));
     }
     template <class T>
     [[nodiscard]] static const T* FormatOf(const AM_MEDIA_TYPE& type, const GUID& formatType) noexcept {
-        const bool fits = type.formattype == formatType && type.cbFormat >= sizeof(T) && type.pbFormat != nullptr;
+        const bool fits =
+            type.formattype == formatType && type.cbFormat >= sizeof(T) && type.pbFormat != nullptr;
         return fits ? reinterpret_cast<const T*>(type.pbFormat) : nullptr;
     }
 
     /// Equal in every field that describes the format, byte by byte in the format block.
     [[nodiscard]] bool operator==(const MediaType& other) const noexcept;
 
-    /// True when each of major type, subtype and format that `pattern` states (not GUID_NULL) is the same here.
+    /// True when each of major type, subtype and format that `pattern` states (not GUID_NULL) is the same
+    /// here.
     [[nodiscard]] bool Matches(const AM_MEDIA_TYPE& pattern) const noexcept;
     /// A type with a wild card: GUID_NULL as major type, subtype or format type.
     [[nodiscard]] static bool IsPartial(const AM_MEDIA_TYPE& type) noexcept;

@@ -34,7 +34,8 @@ private:
 
 } // namespace
 
-HRESULT ModuleGetClassObject(std::span<const ModuleClass> classes, REFCLSID clsid, REFIID iid, void** out) noexcept {
+HRESULT ModuleGetClassObject(std::span<const ModuleClass> classes, REFCLSID clsid, REFIID iid,
+                             void** out) noexcept {
     return Guarded([&]() -> HRESULT {
         if (out == nullptr)
             return E_POINTER;

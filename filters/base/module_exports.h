@@ -13,7 +13,8 @@ struct ModuleClass {
 };
 
 /// Makes a ref-counted T (default constructor) and hands out the interface asked for.
-template <class T> HRESULT CreateObject(REFIID iid, void** out) noexcept {
+template <class T>
+HRESULT CreateObject(REFIID iid, void** out) noexcept {
     return Guarded([&] {
         if (out == nullptr)
             return E_POINTER;
@@ -25,8 +26,8 @@ template <class T> HRESULT CreateObject(REFIID iid, void** out) noexcept {
     });
 }
 
-/// The work of DllGetClassObject over a module's table. CLASS_E_CLASSNOTAVAILABLE for an unknown class. The table must
-/// outlive every factory: make it static.
+/// The work of DllGetClassObject over a module's table. CLASS_E_CLASSNOTAVAILABLE for an unknown class. The
+/// table must outlive every factory: make it static.
 [[nodiscard]] HRESULT ModuleGetClassObject(std::span<const ModuleClass> classes, REFCLSID clsid, REFIID iid,
                                            void** out) noexcept;
 

@@ -8,7 +8,8 @@ namespace brindlecast {
 
 using Microsoft::WRL::ComPtr;
 
-OutputPin::OutputPin(BaseFilter& filter, std::wstring name) : BasePin(filter, PINDIR_OUTPUT, std::move(name)) {}
+OutputPin::OutputPin(BaseFilter& filter, std::wstring name)
+    : BasePin(filter, PINDIR_OUTPUT, std::move(name)) {}
 
 STDMETHODIMP OutputPin::Connect(IPin* receiver, const AM_MEDIA_TYPE* type) {
     return Guarded([&]() -> HRESULT {
@@ -73,7 +74,8 @@ HRESULT OutputPin::TryConnect(IPin& receiver, const MediaType& type) {
 
 HRESULT OutputPin::OnConnected(IPin& receiver) {
     ComPtr<IMemInputPin> input;
-    const HRESULT result = receiver.QueryInterface(IID_IMemInputPin, reinterpret_cast<void**>(input.GetAddressOf()));
+    const HRESULT result =
+        receiver.QueryInterface(IID_IMemInputPin, reinterpret_cast<void**>(input.GetAddressOf()));
     return FAILED(result) ? result : Negotiate(*input.Get());
 }
 
@@ -102,7 +104,8 @@ HRESULT OutputPin::Negotiate(IMemInputPin& input) {
     return result;
 }
 
-HRESULT OutputPin::TryAllocator(IMemInputPin& input, IMemAllocator& allocator, const ALLOCATOR_PROPERTIES& needs) {
+HRESULT OutputPin::TryAllocator(IMemInputPin& input, IMemAllocator& allocator,
+                                const ALLOCATOR_PROPERTIES& needs) {
     ALLOCATOR_PROPERTIES request = needs;
     ALLOCATOR_PROPERTIES actual{};
     HRESULT result = allocator.SetProperties(&request, &actual);

@@ -24,9 +24,9 @@ public:
     HRESULT DeliverBeginFlush();
     HRESULT DeliverEndFlush();
 
-    /// Changes the format of an existing connection: asks the receiver's QueryAccept, makes buffers large enough, and
-    /// attaches the type to the next sample delivered. VFW_E_TYPE_NOT_ACCEPTED when the receiver refuses.
-    /// Streaming thread only.
+    /// Changes the format of an existing connection: asks the receiver's QueryAccept, makes buffers large
+    /// enough, and attaches the type to the next sample delivered. VFW_E_TYPE_NOT_ACCEPTED when the receiver
+    /// refuses. Streaming thread only.
     HRESULT ChangeType(const MediaType& type, LONG bufferSize);
 
 protected:

@@ -61,7 +61,8 @@ STDMETHODIMP SampleAllocator::Decommit() {
     return S_OK;
 }
 
-STDMETHODIMP SampleAllocator::GetBuffer(IMediaSample** sample, REFERENCE_TIME*, REFERENCE_TIME*, DWORD flags) {
+STDMETHODIMP SampleAllocator::GetBuffer(IMediaSample** sample, REFERENCE_TIME*, REFERENCE_TIME*,
+                                        DWORD flags) {
     return GetBufferOfSize(0, sample, flags);
 }
 

@@ -18,8 +18,8 @@ struct IGrowingAllocator : public IUnknown {
     virtual HRESULT STDMETHODCALLTYPE GrowBuffers(LONG size) = 0;
 };
 
-/// A pool of MediaSample. GetBuffer blocks until a sample is free; Decommit ends every wait with VFW_E_NOT_COMMITTED,
-/// and the memory goes when the last sample has come back. Any thread.
+/// A pool of MediaSample. GetBuffer blocks until a sample is free; Decommit ends every wait with
+/// VFW_E_NOT_COMMITTED, and the memory goes when the last sample has come back. Any thread.
 class SampleAllocator final : public IMemAllocator, public IGrowingAllocator, public RefCounted {
 public:
     SampleAllocator() = default;
@@ -30,7 +30,8 @@ public:
     STDMETHODIMP GetProperties(ALLOCATOR_PROPERTIES* properties) override;
     STDMETHODIMP Commit() override;
     STDMETHODIMP Decommit() override;
-    STDMETHODIMP GetBuffer(IMediaSample** sample, REFERENCE_TIME* start, REFERENCE_TIME* stop, DWORD flags) override;
+    STDMETHODIMP GetBuffer(IMediaSample** sample, REFERENCE_TIME* start, REFERENCE_TIME* stop,
+                           DWORD flags) override;
     STDMETHODIMP ReleaseBuffer(IMediaSample* sample) override;
 
     STDMETHODIMP GetBufferOfSize(LONG size, IMediaSample** sample, DWORD flags) override;

@@ -30,16 +30,23 @@ struct VideoTag {
     std::uint32_t tag;
 };
 
-// Tags of ours where FFmpeg's table has none, has a lower-case one, or has several. The first of a codec is written;
-// all are read.
+// Tags of ours where FFmpeg's table has none, has a lower-case one, or has several. The first of a codec is
+// written; all are read.
 constexpr VideoTag kVideoTags[] = {
-    {AV_CODEC_ID_H264, FourCc('H', '2', '6', '4')},       {AV_CODEC_ID_H264, FourCc('A', 'V', 'C', '1')},
-    {AV_CODEC_ID_H264, FourCc('h', '2', '6', '4')},       {AV_CODEC_ID_H264, FourCc('a', 'v', 'c', '1')},
-    {AV_CODEC_ID_HEVC, FourCc('H', 'E', 'V', 'C')},       {AV_CODEC_ID_HEVC, FourCc('H', 'V', 'C', '1')},
-    {AV_CODEC_ID_MPEG1VIDEO, FourCc('M', 'P', 'G', '1')}, {AV_CODEC_ID_MPEG2VIDEO, FourCc('M', 'P', 'G', '2')},
-    {AV_CODEC_ID_MPEG4, FourCc('M', 'P', '4', 'V')},      {AV_CODEC_ID_VP8, FourCc('V', 'P', '8', '0')},
-    {AV_CODEC_ID_VP9, FourCc('V', 'P', '9', '0')},        {AV_CODEC_ID_AV1, FourCc('A', 'V', '0', '1')},
-    {AV_CODEC_ID_VC1, FourCc('W', 'V', 'C', '1')},        {AV_CODEC_ID_WMV3, FourCc('W', 'M', 'V', '3')},
+    {AV_CODEC_ID_H264, FourCc('H', '2', '6', '4')},
+    {AV_CODEC_ID_H264, FourCc('A', 'V', 'C', '1')},
+    {AV_CODEC_ID_H264, FourCc('h', '2', '6', '4')},
+    {AV_CODEC_ID_H264, FourCc('a', 'v', 'c', '1')},
+    {AV_CODEC_ID_HEVC, FourCc('H', 'E', 'V', 'C')},
+    {AV_CODEC_ID_HEVC, FourCc('H', 'V', 'C', '1')},
+    {AV_CODEC_ID_MPEG1VIDEO, FourCc('M', 'P', 'G', '1')},
+    {AV_CODEC_ID_MPEG2VIDEO, FourCc('M', 'P', 'G', '2')},
+    {AV_CODEC_ID_MPEG4, FourCc('M', 'P', '4', 'V')},
+    {AV_CODEC_ID_VP8, FourCc('V', 'P', '8', '0')},
+    {AV_CODEC_ID_VP9, FourCc('V', 'P', '9', '0')},
+    {AV_CODEC_ID_AV1, FourCc('A', 'V', '0', '1')},
+    {AV_CODEC_ID_VC1, FourCc('W', 'V', 'C', '1')},
+    {AV_CODEC_ID_WMV3, FourCc('W', 'M', 'V', '3')},
     {AV_CODEC_ID_MJPEG, FourCc('M', 'J', 'P', 'G')},
 };
 
@@ -66,7 +73,8 @@ AVCodecID VideoCodecFor(std::uint32_t tag) {
         if (entry.tag == tag)
             return entry.codec;
     }
-    const AVCodecTag* const tables[] = {avformat_get_riff_video_tags(), avformat_get_mov_video_tags(), nullptr};
+    const AVCodecTag* const tables[] = {avformat_get_riff_video_tags(), avformat_get_mov_video_tags(),
+                                        nullptr};
     return av_codec_get_id(tables, tag);
 }
 
@@ -78,8 +86,8 @@ GUID VideoSubtype(const AVCodecParameters& parameters, std::uint32_t tag) {
     return tag != 0 ? TagSubtype(tag) : CodecSubtype(parameters.codec_id);
 }
 
-void FillVideoHeader(VIDEOINFOHEADER2& header, const AVCodecParameters& parameters, const StreamTiming& timing,
-                     std::uint32_t tag) {
+void FillVideoHeader(VIDEOINFOHEADER2& header, const AVCodecParameters& parameters,
+                     const StreamTiming& timing, std::uint32_t tag) {
     header.rcSource = header.rcTarget = {0, 0, parameters.width, parameters.height};
     header.dwBitRate = static_cast<DWORD>(std::clamp<std::int64_t>(parameters.bit_rate, 0, 0x7fffffff));
     header.AvgTimePerFrame = timing.frameDuration;
@@ -163,7 +171,8 @@ std::vector<std::uint8_t> ParameterSets(const AVCodecParameters& parameters) {
     return sets;
 }
 
-MediaType Mpeg2VideoType(const AVCodecParameters& parameters, const VIDEOINFOHEADER2& header, const GUID& subtype) {
+MediaType Mpeg2VideoType(const AVCodecParameters& parameters, const VIDEOINFOHEADER2& header,
+                         const GUID& subtype) {
     const bool avc = header.bmiHeader.biCompression == FourCc('A', 'V', 'C', '1');
     const bool hvc = header.bmiHeader.biCompression == FourCc('H', 'V', 'C', '1');
     std::vector<std::uint8_t> sequence;
@@ -213,13 +222,10 @@ std::uint16_t PcmTag(AVCodecID codec) {
     case AV_CODEC_ID_PCM_U8:
     case AV_CODEC_ID_PCM_S16LE:
     case AV_CODEC_ID_PCM_S24LE:
-    case AV_CODEC_ID_PCM_S32LE:
-        return WAVE_FORMAT_PCM;
+    case AV_CODEC_ID_PCM_S32LE: return WAVE_FORMAT_PCM;
     case AV_CODEC_ID_PCM_F32LE:
-    case AV_CODEC_ID_PCM_F64LE:
-        return WAVE_FORMAT_IEEE_FLOAT;
-    default:
-        return 0;
+    case AV_CODEC_ID_PCM_F64LE: return WAVE_FORMAT_IEEE_FLOAT;
+    default: return 0;
     }
 }
 
@@ -227,16 +233,11 @@ AVCodecID PcmCodec(std::uint16_t tag, int bits) {
     if (tag == WAVE_FORMAT_IEEE_FLOAT)
         return bits == 64 ? AV_CODEC_ID_PCM_F64LE : bits == 32 ? AV_CODEC_ID_PCM_F32LE : AV_CODEC_ID_NONE;
     switch (bits) {
-    case 8:
-        return AV_CODEC_ID_PCM_U8;
-    case 16:
-        return AV_CODEC_ID_PCM_S16LE;
-    case 24:
-        return AV_CODEC_ID_PCM_S24LE;
-    case 32:
-        return AV_CODEC_ID_PCM_S32LE;
-    default:
-        return AV_CODEC_ID_NONE;
+    case 8: return AV_CODEC_ID_PCM_U8;
+    case 16: return AV_CODEC_ID_PCM_S16LE;
+    case 24: return AV_CODEC_ID_PCM_S24LE;
+    case 32: return AV_CODEC_ID_PCM_S32LE;
+    default: return AV_CODEC_ID_NONE;
     }
 }
 
@@ -248,8 +249,8 @@ std::uint16_t AudioTagFor(const AVCodecParameters& parameters) {
         return pcm;
     const AVCodecTag* const riff[] = {avformat_get_riff_audio_tags(), nullptr};
     const unsigned tag = av_codec_get_tag(riff, parameters.codec_id);
-    const bool leadsBack = tag != 0 && tag <= 0xffff && tag != WAVE_FORMAT_PCM && tag != WAVE_FORMAT_IEEE_FLOAT &&
-                           av_codec_get_id(riff, tag) == parameters.codec_id;
+    const bool leadsBack = tag != 0 && tag <= 0xffff && tag != WAVE_FORMAT_PCM &&
+                           tag != WAVE_FORMAT_IEEE_FLOAT && av_codec_get_id(riff, tag) == parameters.codec_id;
     return leadsBack ? static_cast<std::uint16_t>(tag) : 0;
 }
 
@@ -277,7 +278,8 @@ std::vector<MediaType> AudioTypes(const AVCodecParameters& parameters) {
                                                           : parameters.bits_per_raw_sample;
     format.wBitsPerSample = static_cast<WORD>(std::clamp(bits, 0, 64));
     format.nBlockAlign = static_cast<WORD>(std::clamp(parameters.block_align, 1, 0xffff));
-    format.nAvgBytesPerSec = static_cast<DWORD>(std::clamp<std::int64_t>(parameters.bit_rate / 8, 0, 0x7fffffff));
+    format.nAvgBytesPerSec =
+        static_cast<DWORD>(std::clamp<std::int64_t>(parameters.bit_rate / 8, 0, 0x7fffffff));
     MediaType type(MEDIATYPE_Audio, tag != 0 ? TagSubtype(tag) : CodecSubtype(parameters.codec_id));
     if (PcmTag(parameters.codec_id) != 0) {
         format.wBitsPerSample = static_cast<WORD>(av_get_bits_per_sample(parameters.codec_id));
@@ -345,7 +347,10 @@ std::vector<std::uint8_t> AvcRecord(const std::uint8_t* sets, std::size_t size, 
     }
     if (sequence.size() < 6 || sequenceCount > 31 || pictureCount > 255)
         return {};
-    std::vector<std::uint8_t> record = {1, sequence[3], sequence[4], sequence[5],
+    std::vector<std::uint8_t> record = {1,
+                                        sequence[3],
+                                        sequence[4],
+                                        sequence[5],
                                         static_cast<std::uint8_t>(0xfc | (lengthBytes - 1)),
                                         static_cast<std::uint8_t>(0xe0 | sequenceCount)};
     record.insert(record.end(), sequence.begin(), sequence.end());
@@ -354,7 +359,8 @@ std::vector<std::uint8_t> AvcRecord(const std::uint8_t* sets, std::size_t size, 
     return record;
 }
 
-bool ReadMpeg2Extradata(AVCodecParameters& parameters, const AM_MEDIA_TYPE& type, const MPEG2VIDEOINFO& info) {
+bool ReadMpeg2Extradata(AVCodecParameters& parameters, const AM_MEDIA_TYPE& type,
+                        const MPEG2VIDEOINFO& info) {
     constexpr std::size_t kHeader = offsetof(MPEG2VIDEOINFO, dwSequenceHeader);
     const std::size_t size = std::min<std::size_t>(info.cbSequenceHeader, type.cbFormat - kHeader);
     const auto* sets = reinterpret_cast<const std::uint8_t*>(info.dwSequenceHeader);
@@ -367,9 +373,11 @@ bool ReadMpeg2Extradata(AVCodecParameters& parameters, const AM_MEDIA_TYPE& type
     return SetExtradata(parameters, sets, size);
 }
 
-template <class Header> void ReadBitmap(AVCodecParameters& parameters, const Header& header) {
+template <class Header>
+void ReadBitmap(AVCodecParameters& parameters, const Header& header) {
     parameters.width = header.bmiHeader.biWidth;
-    parameters.height = header.bmiHeader.biHeight < 0 ? -header.bmiHeader.biHeight : header.bmiHeader.biHeight;
+    parameters.height =
+        header.bmiHeader.biHeight < 0 ? -header.bmiHeader.biHeight : header.bmiHeader.biHeight;
     parameters.bits_per_coded_sample = header.bmiHeader.biBitCount;
     parameters.codec_tag = header.bmiHeader.biCompression;
 }
@@ -443,17 +451,15 @@ bool ReadAudio(AVCodecParameters& parameters, const AM_MEDIA_TYPE& type) {
 
 std::vector<MediaType> MediaTypesFor(const AVCodecParameters& parameters, const StreamTiming& timing) {
     switch (parameters.codec_type) {
-    case AVMEDIA_TYPE_VIDEO:
-        return VideoTypes(parameters, timing);
-    case AVMEDIA_TYPE_AUDIO:
-        return AudioTypes(parameters);
+    case AVMEDIA_TYPE_VIDEO: return VideoTypes(parameters, timing);
+    case AVMEDIA_TYPE_AUDIO: return AudioTypes(parameters);
     case AVMEDIA_TYPE_SUBTITLE: {
         MediaType type(kMediaTypeSubtitle, CodecSubtype(parameters.codec_id));
-        type.SetFormat(kFormatSubtitle, parameters.extradata, static_cast<std::size_t>(parameters.extradata_size));
+        type.SetFormat(kFormatSubtitle, parameters.extradata,
+                       static_cast<std::size_t>(parameters.extradata_size));
         return {std::move(type)};
     }
-    default:
-        return {};
+    default: return {};
     }
 }
 

@@ -8,36 +8,39 @@
 
 struct AVCodecParameters;
 
-
 namespace brindlecast {
 
 // How a compressed stream travels in a media type between splitter and decoders.
 //
 // Video, major type MEDIATYPE_Video. The splitter offers two types, in this order:
-//   1. FORMAT_VideoInfo2: VIDEOINFOHEADER2, then the codec's extradata (avcC, hvcC, sequence header...) exactly as the
+//   1. FORMAT_VideoInfo2: VIDEOINFOHEADER2, then the codec's extradata (avcC, hvcC, sequence header...)
+//   exactly as the
 //      container stores it, to the end of the format block. AvgTimePerFrame is 0 when unknown. biWidth and
-//      biHeight are the picture's size in stored pixels, positive; dwPictAspectRatioX/Y is the shape of the upright
-//      picture before rotation. biCompression is always the FOURCC.
-//   2. FORMAT_MPEG2Video: MPEG2VIDEOINFO with the extradata as dwSequenceHeader; for AVC1 and HVC1 the parameter sets,
+//      biHeight are the picture's size in stored pixels, positive; dwPictAspectRatioX/Y is the shape of the
+//      upright picture before rotation. biCompression is always the FOURCC.
+//   2. FORMAT_MPEG2Video: MPEG2VIDEOINFO with the extradata as dwSequenceHeader; for AVC1 and HVC1 the
+//   parameter sets,
 //      each behind a 16-bit big-endian length, and dwFlags is the size of the NAL length field in bytes.
-//   H.264 with avcC extradata is 'AVC1' (length-prefixed NAL units), otherwise 'H264' (start codes); HEVC with hvcC is
-//   'HVC1', otherwise 'HEVC'. MPEG-1 and MPEG-2 use MEDIASUBTYPE_MPEG1Payload and MEDIASUBTYPE_MPEG2_VIDEO with
-//   biCompression 'MPG1' and 'MPG2'. Other codecs: subtype and biCompression are the FOURCC of RIFF files.
+//   H.264 with avcC extradata is 'AVC1' (length-prefixed NAL units), otherwise 'H264' (start codes); HEVC
+//   with hvcC is 'HVC1', otherwise 'HEVC'. MPEG-1 and MPEG-2 use MEDIASUBTYPE_MPEG1Payload and
+//   MEDIASUBTYPE_MPEG2_VIDEO with biCompression 'MPG1' and 'MPG2'. Other codecs: subtype and biCompression
+//   are the FOURCC of RIFF files.
 //
-// Audio, major type MEDIATYPE_Audio, FORMAT_WaveFormatEx: WAVEFORMATEX with the codec's RIFF tag as wFormatTag, the
-//   extradata behind it in cbSize bytes, and the subtype of that tag. AAC is 0x00FF with AudioSpecificConfig as
-//   extradata, or 0x1600 for ADTS frames; FLAC 0xF1AC with STREAMINFO; MP3 0x0055; AC-3 0x2000; Opus and Vorbis carry
-//   their headers as FFmpeg keeps them. PCM is tag 1, float is tag 3; with more than two channels or 16 bits they
-//   are WAVEFORMATEXTENSIBLE with a channel mask.
+// Audio, major type MEDIATYPE_Audio, FORMAT_WaveFormatEx: WAVEFORMATEX with the codec's RIFF tag as
+// wFormatTag, the
+//   extradata behind it in cbSize bytes, and the subtype of that tag. AAC is 0x00FF with AudioSpecificConfig
+//   as extradata, or 0x1600 for ADTS frames; FLAC 0xF1AC with STREAMINFO; MP3 0x0055; AC-3 0x2000; Opus and
+//   Vorbis carry their headers as FFmpeg keeps them. PCM is tag 1, float is tag 3; with more than two
+//   channels or 16 bits they are WAVEFORMATEXTENSIBLE with a channel mask.
 //
 // Subtitles, major type MEDIATYPE_Subtitle, kFormatSubtitle: the format block is the codec's extradata.
 //
 // A codec without tag, of any kind, has the subtype CodecSubtype(codec id), and for audio wFormatTag 0.
 //
-// Samples carry one packet each. Their time is (presentation time - segment start) / rate, with a stop time where the
-// duration is known; it is negative, and IsPreroll is S_OK, before the segment start: decoders decode such
-// packets, show nothing of them and drop the sound before time 0. Packet side data, and the stream's own
-// (display matrix, mastering display, content light level), travel through ISampleSideData of
+// Samples carry one packet each. Their time is (presentation time - segment start) / rate, with a stop time
+// where the duration is known; it is negative, and IsPreroll is S_OK, before the segment start: decoders
+// decode such packets, show nothing of them and drop the sound before time 0. Packet side data, and the
+// stream's own (display matrix, mastering display, content light level), travel through ISampleSideData of
 // media_sample.h under PacketSideDataKind(AVPacketSideDataType), with the bytes as libavcodec defines them.
 
 /// Format type of subtitle media types: the block is the codec's extradata.
@@ -71,8 +74,10 @@ struct StreamTiming {
     int aspectY = 0;
 };
 
-/// Media types for a stream, best first; empty when it cannot be expressed (no picture size, oversized extradata).
-[[nodiscard]] std::vector<MediaType> MediaTypesFor(const AVCodecParameters& parameters, const StreamTiming& timing);
+/// Media types for a stream, best first; empty when it cannot be expressed (no picture size, oversized
+/// extradata).
+[[nodiscard]] std::vector<MediaType> MediaTypesFor(const AVCodecParameters& parameters,
+                                                   const StreamTiming& timing);
 
 /// Codec parameters for a media type of any of the forms above, or null when none of our codecs is meant.
 /// Accepts foreign splitters' types as well: any FOURCC or wave tag that FFmpeg knows.

@@ -57,7 +57,8 @@ private:
 
 class TransformFilter::Outlet final : public OutputPin, public UpstreamSeeking {
 public:
-    Outlet(TransformFilter& filter, std::wstring name) : OutputPin(filter, std::move(name)), filter_(filter) {}
+    Outlet(TransformFilter& filter, std::wstring name)
+        : OutputPin(filter, std::move(name)), filter_(filter) {}
 
     BRINDLECAST_COM_METHODS
 
@@ -108,7 +109,8 @@ STDMETHODIMP TransformFilter::Stop() {
             return S_OK;
         const HRESULT result = BaseFilter::Stop();
         if (!streamingLock_.try_lock()) {
-            // A streaming thread is inside, perhaps blocked in a receiver that still runs: a flush lets it go.
+            // A streaming thread is inside, perhaps blocked in a receiver that still runs: a flush lets it
+            // go.
             output_->DeliverBeginFlush();
             streamingLock_.lock();
             output_->DeliverEndFlush();

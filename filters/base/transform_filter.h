@@ -7,8 +7,9 @@ namespace brindlecast {
 
 /// A filter with one input and one output pin. Its output pin carries IMediaSeeking, which goes upstream.
 ///
-/// Process, Drain, Reset, OnSegment, OnStart and OnStop run one at a time under the streaming lock; those marked
-/// "connection" run under the state lock while stopped. CheckInput and CheckOutput may come from any thread at any time.
+/// Process, Drain, Reset, OnSegment, OnStart and OnStop run one at a time under the streaming lock; those
+/// marked "connection" run under the state lock while stopped. CheckInput and CheckOutput may come from any
+/// thread at any time.
 class TransformFilter : public BaseFilter {
 public:
     STDMETHODIMP Stop() override;
@@ -45,7 +46,9 @@ public:
     virtual HRESULT OnStart() { return S_OK; }
     virtual void OnStop() {}
     /// Quality message from the renderer; the default passes it upstream.
-    virtual HRESULT OnQuality(IBaseFilter* sender, Quality quality) { return Input().Notify(sender, quality); }
+    virtual HRESULT OnQuality(IBaseFilter* sender, Quality quality) {
+        return Input().Notify(sender, quality);
+    }
 
     [[nodiscard]] InputPin& Input() noexcept { return *input_; }
     [[nodiscard]] OutputPin& Output() noexcept { return *output_; }
@@ -57,8 +60,8 @@ protected:
     [[nodiscard]] bool IsFlushing() const noexcept {
         return input_->IsFlushing() || State() == State_Stopped;
     }
-    /// Held while Process and its like run. Take it to change from another thread what they use; never hold it while
-    /// waiting for something that a streaming thread does.
+    /// Held while Process and its like run. Take it to change from another thread what they use; never hold
+    /// it while waiting for something that a streaming thread does.
     [[nodiscard]] std::mutex& StreamingLock() noexcept { return streamingLock_; }
 
 private:

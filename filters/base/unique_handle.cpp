@@ -5,7 +5,8 @@
 namespace brindlecast {
 
 Event::Event(Reset reset, bool signalled)
-    : handle_(CreateEventW(nullptr, reset == Reset::Manual ? TRUE : FALSE, signalled ? TRUE : FALSE, nullptr)) {
+    : handle_(
+          CreateEventW(nullptr, reset == Reset::Manual ? TRUE : FALSE, signalled ? TRUE : FALSE, nullptr)) {
     if (!handle_)
         throw std::bad_alloc();
 }

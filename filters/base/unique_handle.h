@@ -5,7 +5,8 @@
 
 namespace brindlecast {
 
-/// Owns a kernel handle and closes it. Null means empty; INVALID_HANDLE_VALUE is not used by the calls meant here.
+/// Owns a kernel handle and closes it. Null means empty; INVALID_HANDLE_VALUE is not used by the calls meant
+/// here.
 class UniqueHandle {
 public:
     UniqueHandle() noexcept = default;

@@ -4,7 +4,8 @@ namespace brindlecast {
 
 using Microsoft::WRL::ComPtr;
 
-template <class Method, class... Arguments> HRESULT UpstreamSeeking::Forward(Method method, Arguments... arguments) {
+template <class Method, class... Arguments>
+HRESULT UpstreamSeeking::Forward(Method method, Arguments... arguments) {
     const ComPtr<IPin> pin = UpstreamPin();
     ComPtr<IMediaSeeking> seeking;
     if (!pin ||
@@ -58,7 +59,8 @@ STDMETHODIMP UpstreamSeeking::ConvertTimeFormat(LONGLONG* target, const GUID* ta
     return Forward(&IMediaSeeking::ConvertTimeFormat, target, targetFormat, source, sourceFormat);
 }
 
-STDMETHODIMP UpstreamSeeking::SetPositions(LONGLONG* current, DWORD currentFlags, LONGLONG* stop, DWORD stopFlags) {
+STDMETHODIMP UpstreamSeeking::SetPositions(LONGLONG* current, DWORD currentFlags, LONGLONG* stop,
+                                           DWORD stopFlags) {
     return Forward(&IMediaSeeking::SetPositions, current, currentFlags, stop, stopFlags);
 }
 

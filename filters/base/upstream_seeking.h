@@ -5,9 +5,9 @@
 
 namespace brindlecast {
 
-/// IMediaSeeking that hands every call to the filter upstream; E_NOTIMPL when there is none. A transform's output pin
-/// derives from it, and so may a renderer, which then overrides what it knows better. The class that derives brings
-/// IUnknown (BRINDLECAST_COM_METHODS).
+/// IMediaSeeking that hands every call to the filter upstream; E_NOTIMPL when there is none. A transform's
+/// output pin derives from it, and so may a renderer, which then overrides what it knows better. The class
+/// that derives brings IUnknown (BRINDLECAST_COM_METHODS).
 class UpstreamSeeking : public IMediaSeeking {
 public:
     STDMETHODIMP GetCapabilities(DWORD* capabilities) override;
@@ -22,7 +22,8 @@ public:
     STDMETHODIMP GetCurrentPosition(LONGLONG* current) override;
     STDMETHODIMP ConvertTimeFormat(LONGLONG* target, const GUID* targetFormat, LONGLONG source,
                                    const GUID* sourceFormat) override;
-    STDMETHODIMP SetPositions(LONGLONG* current, DWORD currentFlags, LONGLONG* stop, DWORD stopFlags) override;
+    STDMETHODIMP SetPositions(LONGLONG* current, DWORD currentFlags, LONGLONG* stop,
+                              DWORD stopFlags) override;
     STDMETHODIMP GetPositions(LONGLONG* current, LONGLONG* stop) override;
     STDMETHODIMP GetAvailable(LONGLONG* earliest, LONGLONG* latest) override;
     STDMETHODIMP SetRate(double rate) override;
@@ -36,7 +37,8 @@ protected:
     [[nodiscard]] virtual Microsoft::WRL::ComPtr<IPin> UpstreamPin() = 0;
 
 private:
-    template <class Method, class... Arguments> HRESULT Forward(Method method, Arguments... arguments);
+    template <class Method, class... Arguments>
+    HRESULT Forward(Method method, Arguments... arguments);
 };
 
 } // namespace brindlecast

@@ -62,7 +62,8 @@ int DemuxFile::OpenContext(const std::string& path) {
     context->pb = input_->Context();
     AVDictionary* options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "file", 0); // for formats that name further files
-    int error = avformat_open_input(&context, path.c_str(), nullptr, &options); // frees the context when it fails
+    int error =
+        avformat_open_input(&context, path.c_str(), nullptr, &options); // frees the context when it fails
     av_dict_free(&options);
     if (error < 0)
         return error;
@@ -75,7 +76,8 @@ int DemuxFile::OpenContext(const std::string& path) {
     return avformat_find_stream_info(context, nullptr);
 }
 
-/// The container's start, in our units. FFmpeg keeps it in microseconds; the stream that it came from is exact.
+/// The container's start, in our units. FFmpeg keeps it in microseconds; the stream that it came from is
+/// exact.
 void DemuxFile::FindStart() {
     if (context_->start_time == AV_NOPTS_VALUE)
         return;
@@ -111,7 +113,8 @@ std::optional<DemuxTime> DemuxFile::ToTime(int containerIndex, std::int64_t time
 }
 
 std::int64_t DemuxFile::ToTimestamp(int containerIndex, DemuxTime time) const {
-    return av_rescale_q_rnd(time + start_, kTimeUnit, context_->streams[containerIndex]->time_base, AV_ROUND_DOWN);
+    return av_rescale_q_rnd(time + start_, kTimeUnit, context_->streams[containerIndex]->time_base,
+                            AV_ROUND_DOWN);
 }
 
 bool DemuxFile::SeekRaw(int containerIndex, std::int64_t timestamp) {
@@ -124,8 +127,9 @@ bool DemuxFile::Seek(DemuxTime target, int stream) {
         return false;
     const int containerIndex = streams_[static_cast<std::size_t>(stream)].containerIndex;
     if (stream == tableStream_ && !index_.empty()) {
-        auto entry = std::upper_bound(index_.begin(), index_.end(), target,
-                                      [](DemuxTime time, const IndexEntry& candidate) { return time < candidate.time; });
+        auto entry = std::upper_bound(
+            index_.begin(), index_.end(), target,
+            [](DemuxTime time, const IndexEntry& candidate) { return time < candidate.time; });
         if (entry != index_.begin())
             --entry;
         if (!SeekRaw(containerIndex, entry->timestamp))
@@ -133,15 +137,16 @@ bool DemuxFile::Seek(DemuxTime target, int stream) {
         ReadToKeyframe(stream);
         return true;
     }
-    // Without a table the container may go by decoding times, or to no keyframe at all: look where it went, and go
-    // back further when that is behind the target.
-    constexpr DemuxTime kSteps[] = {0,           kSecond / 2,  kSecond,      2 * kSecond, 4 * kSecond,
-                                    8 * kSecond, 16 * kSecond, 40 * kSecond};
+    // Without a table the container may go by decoding times, or to no keyframe at all: look where it went,
+    // and go back further when that is behind the target.
+    constexpr DemuxTime kSteps[] = {0,           kSecond / 2, kSecond,      2 * kSecond,
+                                    4 * kSecond, 8 * kSecond, 16 * kSecond, 40 * kSecond};
     bool went = false;
     for (const DemuxTime step : kSteps) {
         const DemuxTime place = target - step;
         pending_.clear();
-        went = place > 0 ? SeekRaw(containerIndex, ToTimestamp(containerIndex, place)) : SeekToStart(containerIndex);
+        went = place > 0 ? SeekRaw(containerIndex, ToTimestamp(containerIndex, place))
+                         : SeekToStart(containerIndex);
         if (!went)
             continue;
         const std::optional<DemuxTime> found = ReadToKeyframe(stream);
@@ -151,8 +156,8 @@ bool DemuxFile::Seek(DemuxTime target, int stream) {
     return went;
 }
 
-/// The first keyframe may be decoded before time 0, so that a place well before it is asked for; formats that refuse
-/// that are asked for the start itself.
+/// The first keyframe may be decoded before time 0, so that a place well before it is asked for; formats that
+/// refuse that are asked for the start itself.
 bool DemuxFile::SeekToStart(int containerIndex) {
     return SeekRaw(containerIndex, ToTimestamp(containerIndex, -10 * kSecond)) ||
            SeekRaw(containerIndex, ToTimestamp(containerIndex, 0)) ||

@@ -81,7 +81,8 @@ void DemuxInput::SetBlank(bool blank) {
     blank_ = blank;
     blankByteGiven_ = false;
     outer_->direct = blank ? 1 : 0; // a short way forward is a seek like any other, not to be read through
-    // What the buffer holds belongs to the other mode. An empty one keeps its place: the end of what was read.
+    // What the buffer holds belongs to the other mode. An empty one keeps its place: the end of what was
+    // read.
     outer_->buf_ptr = outer_->buf_end = outer_->buffer;
     outer_->eof_reached = 0;
     outer_->error = 0;

@@ -24,11 +24,12 @@ public:
     [[nodiscard]] AVIOContext* Context() const { return outer_; }
     [[nodiscard]] std::int64_t Size() const { return size_; }
 
-    /// While blank, a read gives one zero byte and then the end, without touching the file: a demuxer that walks its
-    /// index this way tells the times of packets and loads none of them.
+    /// While blank, a read gives one zero byte and then the end, without touching the file: a demuxer that
+    /// walks its index this way tells the times of packets and loads none of them.
     void SetBlank(bool blank);
 
-    /// While set, reads fail with AVERROR_EXIT. Setting may come from any thread, clearing from the reader's turn only.
+    /// While set, reads fail with AVERROR_EXIT. Setting may come from any thread, clearing from the reader's
+    /// turn only.
     void Interrupt(bool interrupt);
 
 private:

@@ -15,7 +15,8 @@ namespace {
 
 enum class IndexTimes { Unknown, Presentation, Decoding };
 
-/// What the index of a container counts in. Only containers whose index is known to hold every keyframe count.
+/// What the index of a container counts in. Only containers whose index is known to hold every keyframe
+/// count.
 IndexTimes TimesOf(const AVFormatContext& context) {
     const std::string_view name = context.iformat->name;
     if (name.starts_with("matroska"))
@@ -28,7 +29,8 @@ IndexTimes TimesOf(const AVFormatContext& context) {
 /// Keeps the demuxer's flags and FFmpeg's own reading of payloads out of a walk over blank packets.
 class BlankReading {
 public:
-    BlankReading(AVFormatContext& context, DemuxInput& input) : context_(context), input_(input), flags_(context.flags) {
+    BlankReading(AVFormatContext& context, DemuxInput& input)
+        : context_(context), input_(input), flags_(context.flags) {
         context_.flags |= AVFMT_FLAG_NOPARSE | AVFMT_FLAG_NOFILLIN;
         context_.flags &= ~AVFMT_FLAG_GENPTS;
         input_.SetBlank(true);
@@ -136,8 +138,9 @@ std::vector<DemuxFile::IndexEntry> DemuxFile::TimedEntries(int containerIndex,
     return entries;
 }
 
-/// For an index of decoding times: goes to each keyframe and looks at the packet's presentation time. Seeks count in
-/// presentation time, so the place to ask for is guessed from the keyframe before, then from the one behind.
+/// For an index of decoding times: goes to each keyframe and looks at the packet's presentation time. Seeks
+/// count in presentation time, so the place to ask for is guessed from the keyframe before, then from the one
+/// behind.
 std::vector<DemuxFile::IndexEntry> DemuxFile::PresentedEntries(int containerIndex,
                                                                const std::vector<AVIndexEntry>& stored) {
     std::vector<IndexEntry> entries;
@@ -161,7 +164,8 @@ std::vector<DemuxFile::IndexEntry> DemuxFile::PresentedEntries(int containerInde
 }
 
 /// Presentation timestamp of the keyframe with that decoding timestamp when a seek to `place` leads to it.
-std::optional<std::int64_t> DemuxFile::PresentationOf(int containerIndex, std::int64_t place, std::int64_t decoded) {
+std::optional<std::int64_t> DemuxFile::PresentationOf(int containerIndex, std::int64_t place,
+                                                      std::int64_t decoded) {
     if (!SeekRaw(containerIndex, place))
         return std::nullopt;
     const AvPacketPointer packet(av_packet_alloc());
@@ -184,7 +188,8 @@ bool DemuxFile::SpansFile(const std::vector<IndexEntry>& entries) const {
     if (entries.size() < 2 || duration_ <= 0)
         return false;
     constexpr DemuxTime kSlack = 1'000'000;
-    return TimesOf(*context_) == IndexTimes::Decoding || duration_ - entries.back().time <= WidestGap(entries) + kSlack;
+    return TimesOf(*context_) == IndexTimes::Decoding ||
+           duration_ - entries.back().time <= WidestGap(entries) + kSlack;
 }
 
 } // namespace brindlecast

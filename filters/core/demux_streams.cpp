@@ -27,14 +27,10 @@ std::string Tag(const AVStream& stream, const char* key) {
 
 std::optional<StreamKind> KindOf(const AVStream& stream) {
     switch (stream.codecpar->codec_type) {
-    case AVMEDIA_TYPE_VIDEO:
-        return StreamKind::Video;
-    case AVMEDIA_TYPE_AUDIO:
-        return StreamKind::Audio;
-    case AVMEDIA_TYPE_SUBTITLE:
-        return StreamKind::Subtitle;
-    default:
-        return std::nullopt;
+    case AVMEDIA_TYPE_VIDEO: return StreamKind::Video;
+    case AVMEDIA_TYPE_AUDIO: return StreamKind::Audio;
+    case AVMEDIA_TYPE_SUBTITLE: return StreamKind::Subtitle;
+    default: return std::nullopt;
     }
 }
 
@@ -76,7 +72,8 @@ DemuxStream Describe(AVFormatContext& context, AVStream& stream, StreamKind kind
     described.decodable = avcodec_find_decoder(stream.codecpar->codec_id) != nullptr;
     described.parameters = stream.codecpar;
     if (kind == StreamKind::Video) {
-        described.decodable = described.decodable && stream.codecpar->width > 0 && stream.codecpar->height > 0;
+        described.decodable =
+            described.decodable && stream.codecpar->width > 0 && stream.codecpar->height > 0;
         described.frameDuration = FrameDuration(context, stream);
         const AVRational aspect = av_guess_sample_aspect_ratio(&context, &stream, nullptr);
         if (aspect.num > 0 && aspect.den > 0) {
@@ -93,9 +90,10 @@ DemuxStream Describe(AVFormatContext& context, AVStream& stream, StreamKind kind
 
 // Languages with two codes: bibliographic, terminological.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 20> kLanguagePairs{{
-    {"alb", "sqi"}, {"arm", "hye"}, {"baq", "eus"}, {"bur", "mya"}, {"chi", "zho"}, {"cze", "ces"}, {"dut", "nld"},
-    {"fre", "fra"}, {"geo", "kat"}, {"ger", "deu"}, {"gre", "ell"}, {"ice", "isl"}, {"mac", "mkd"}, {"mao", "mri"},
-    {"may", "msa"}, {"per", "fas"}, {"rum", "ron"}, {"slo", "slk"}, {"tib", "bod"}, {"wel", "cym"},
+    {"alb", "sqi"}, {"arm", "hye"}, {"baq", "eus"}, {"bur", "mya"}, {"chi", "zho"},
+    {"cze", "ces"}, {"dut", "nld"}, {"fre", "fra"}, {"geo", "kat"}, {"ger", "deu"},
+    {"gre", "ell"}, {"ice", "isl"}, {"mac", "mkd"}, {"mao", "mri"}, {"may", "msa"},
+    {"per", "fas"}, {"rum", "ron"}, {"slo", "slk"}, {"tib", "bod"}, {"wel", "cym"},
 }};
 
 std::string_view Terminological(std::string_view code) {
@@ -106,7 +104,8 @@ std::string_view Terminological(std::string_view code) {
     return code;
 }
 
-template <class Wanted> int FirstWhere(const std::vector<DemuxStream>& streams, StreamKind kind, Wanted wanted) {
+template <class Wanted>
+int FirstWhere(const std::vector<DemuxStream>& streams, StreamKind kind, Wanted wanted) {
     for (std::size_t i = 0; i < streams.size(); ++i) {
         if (streams[i].kind == kind && streams[i].decodable && wanted(streams[i]))
             return static_cast<int>(i);
@@ -160,9 +159,10 @@ StreamChoice ChooseStreams(const std::vector<DemuxStream>& streams, const Stream
     if (preferences.subtitles == Subtitles::None)
         return choice;
     const bool forcedOnly = preferences.subtitles == Subtitles::ForcedOnly;
-    const auto allowed = [&](const DemuxStream& stream) { return !forcedOnly || stream.isForced; };
-    choice.subtitle =
-        FirstOfLanguages(streams, StreamKind::Subtitle, preferences.subtitleLanguages, allowed);
+    const auto allowed = [&](const DemuxStream& stream) {
+        return !forcedOnly || stream.isForced;
+    };
+    choice.subtitle = FirstOfLanguages(streams, StreamKind::Subtitle, preferences.subtitleLanguages, allowed);
     if (choice.subtitle < 0 && (!forcedOnly || preferences.subtitleLanguages.empty()))
         choice.subtitle = FirstWhere(streams, StreamKind::Subtitle, [&](const DemuxStream& stream) {
             return forcedOnly ? stream.isForced : stream.isDefault;

@@ -36,7 +36,8 @@ struct DemuxStream {
     std::vector<SideDataBlock> sideData; ///< the stream's own: display matrix, mastering display, light level
 };
 
-/// Every video, audio and subtitle stream in container order. Attached pictures are left out when there is sound.
+/// Every video, audio and subtitle stream in container order. Attached pictures are left out when there is
+/// sound.
 [[nodiscard]] std::vector<DemuxStream> DescribeStreams(AVFormatContext& context);
 
 /// Positions in the list of streams; -1 for none.
@@ -54,15 +55,17 @@ struct StreamPreferences {
     Subtitles subtitles = Subtitles::None;
 };
 
-/// Only decodable streams are chosen. Video: the default flag, else the first. Audio: the first preferred language that
-/// is there, else the default flag, else the first. Subtitles: by mode and language, else none in ForcedOnly, else the
-/// default flag in Default.
-[[nodiscard]] StreamChoice ChooseStreams(const std::vector<DemuxStream>& streams, const StreamPreferences& preferences);
+/// Only decodable streams are chosen. Video: the default flag, else the first. Audio: the first preferred
+/// language that is there, else the default flag, else the first. Subtitles: by mode and language, else none
+/// in ForcedOnly, else the default flag in Default.
+[[nodiscard]] StreamChoice ChooseStreams(const std::vector<DemuxStream>& streams,
+                                         const StreamPreferences& preferences);
 
 /// "kor, eng" as {"kor", "eng"}: lower case, no blanks, no empty parts.
 [[nodiscard]] std::vector<std::string> ParseLanguages(const std::string& list);
 
-/// True for the same language, also when one code is bibliographic and the other terminological ("ger", "deu").
+/// True for the same language, also when one code is bibliographic and the other terminological ("ger",
+/// "deu").
 [[nodiscard]] bool SameLanguage(const std::string& first, const std::string& second);
 
 /// Title, language and codec name, for menus: "Title [kor] (aac)". Never empty.

@@ -1,5 +1,6 @@
 #include "filters/renderer/d3d_device.h"
 
+#include "filters/renderer/direct3d_library.h"
 #include "filters/renderer/render_resources.h"
 
 #include <iterator>
@@ -13,11 +14,14 @@ namespace {
 HRESULT TryDriver(D3D_DRIVER_TYPE driver, D3dDevice* out) {
     static constexpr D3D_FEATURE_LEVEL kLevels[] = {D3D_FEATURE_LEVEL_11_0, D3D_FEATURE_LEVEL_10_1,
                                                     D3D_FEATURE_LEVEL_10_0};
+    const auto create = FindDirect3d<PFN_D3D11_CREATE_DEVICE>(L"d3d11.dll", "D3D11CreateDevice");
+    if (create == nullptr) {
+        return HRESULT_FROM_WIN32(ERROR_MOD_NOT_FOUND);
+    }
     D3dDevice made;
-    const HRESULT result =
-        D3D11CreateDevice(nullptr, driver, nullptr, D3D11_CREATE_DEVICE_BGRA_SUPPORT, kLevels,
-                          static_cast<UINT>(std::size(kLevels)), D3D11_SDK_VERSION,
-                          made.device.GetAddressOf(), nullptr, made.context.GetAddressOf());
+    const HRESULT result = create(nullptr, driver, nullptr, D3D11_CREATE_DEVICE_BGRA_SUPPORT, kLevels,
+                                  static_cast<UINT>(std::size(kLevels)), D3D11_SDK_VERSION,
+                                  made.device.GetAddressOf(), nullptr, made.context.GetAddressOf());
     if (SUCCEEDED(result)) {
         *out = std::move(made);
     }

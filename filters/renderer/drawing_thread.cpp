@@ -211,6 +211,11 @@ void DrawingThread::ShowFrame(const Task& task) {
     // A picture that can't be drawn now (no window, no device) is still the one whose turn it is.
     static_cast<void>(painter_.Show(task.picture, look_.Get()));
     CountShown(*task.picture, host_.ClockTime(), first);
+    const std::lock_guard lock(mutex_);
+    if (task.generation == generation_) {
+        drawn_ = true;
+        UpdateReady();
+    }
 }
 
 void DrawingThread::CountShown(const Picture& picture, const std::optional<std::int64_t>& clock, bool first) {
@@ -231,7 +236,7 @@ void DrawingThread::Pause() {
     const std::lock_guard lock(mutex_);
     if (state_ == PlayState::kStopped) {
         first_ = true;
-        arrived_ = endOfStream_ = completed_ = flushing_ = false;
+        drawn_ = endOfStream_ = completed_ = flushing_ = false;
         lastStop_ = 0;
         counters_ = {};
     }
@@ -277,11 +282,9 @@ HRESULT DrawingThread::Push(PicturePtr picture) {
                 return S_FALSE;
             }
             if (queue_.size() < kQueueLength) {
-                arrived_ = true;
                 lastStop_ = std::max(lastStop_, picture->times.stop);
                 queue_.push_back(std::move(picture));
                 UpdateRoom();
-                UpdateReady();
                 wake_.Set();
                 return S_OK;
             }
@@ -312,7 +315,7 @@ void DrawingThread::BeginFlush() {
     ++generation_;
     dropped.swap(queue_);
     prepared.swap(prepared_);
-    endOfStream_ = completed_ = arrived_ = false;
+    endOfStream_ = completed_ = drawn_ = false;
     first_ = true;
     lastStop_ = 0;
     UpdateReady();
@@ -396,7 +399,8 @@ void DrawingThread::UpdateRoom() {
 }
 
 void DrawingThread::UpdateReady() {
-    const bool waiting = state_ == PlayState::kPaused && !arrived_ && !endOfStream_;
+    const bool ended = endOfStream_ && queue_.empty();
+    const bool waiting = state_ == PlayState::kPaused && !drawn_ && !ended;
     if (waiting) {
         ready_.Clear();
     } else {

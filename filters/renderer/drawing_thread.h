@@ -128,8 +128,8 @@ private:
     bool flushing_ = false;
     bool endOfStream_ = false;
     bool completed_ = false;
-    bool arrived_ = false; ///< a frame came since the last flush or start
-    bool first_ = true;    ///< none was shown since then
+    bool drawn_ = false; ///< the first frame since the last flush or start is on the screen
+    bool first_ = true;  ///< none was taken for showing since then
     unsigned generation_ = 0;
     std::int64_t lastStop_ = 0;
     std::int64_t segmentStart_ = 0;

@@ -1,5 +1,6 @@
 #include "filters/renderer/render_resources.h"
 
+#include "filters/renderer/direct3d_library.h"
 #include "filters/renderer/shader_source.h"
 
 #include <d3dcompiler.h>
@@ -13,9 +14,13 @@ namespace brindlecast {
 namespace {
 
 HRESULT Compile(std::string_view source, const char* profile, ID3DBlob** code) {
+    const auto compile = FindDirect3d<pD3DCompile>(L"d3dcompiler_47.dll", "D3DCompile");
+    if (compile == nullptr) {
+        return HRESULT_FROM_WIN32(ERROR_MOD_NOT_FOUND);
+    }
     ComPtr<ID3DBlob> messages;
-    return D3DCompile(source.data(), source.size(), nullptr, nullptr, nullptr, "main", profile, 0, 0, code,
-                      messages.GetAddressOf());
+    return compile(source.data(), source.size(), nullptr, nullptr, nullptr, "main", profile, 0, 0, code,
+                   messages.GetAddressOf());
 }
 
 template <class Content>

@@ -1,6 +1,7 @@
 #include "filters/renderer/renderer_pin.h"
 
 #include "filters/base/media_sample.h"
+#include "filters/base/picture_orientation.h"
 #include "filters/base/stream_formats.h"
 #include "filters/renderer/media_format.h"
 
@@ -85,10 +86,10 @@ HRESULT RendererPin::OnTypeAgreed(const MediaType& type) {
     return S_OK;
 }
 
-HRESULT RendererPin::OnConnected(IPin&) {
+HRESULT RendererPin::OnConnected(IPin& peer) {
     const HRESULT result = core_.Drawing().Start();
     if (SUCCEEDED(result)) {
-        core_.SetContainerRotation(0);
+        core_.SetContainerRotation(PictureRotationOf(peer));
         core_.SetFormat(format_);
     }
     return result;

@@ -91,7 +91,8 @@ STDMETHODIMP SourceSeeking::ConvertTimeFormat(LONGLONG* target, const GUID* targ
     return S_OK;
 }
 
-STDMETHODIMP SourceSeeking::SetPositions(LONGLONG* current, DWORD currentFlags, LONGLONG* stop, DWORD stopFlags) {
+STDMETHODIMP SourceSeeking::SetPositions(LONGLONG* current, DWORD currentFlags, LONGLONG* stop,
+                                         DWORD stopFlags) {
     return Guarded([&]() -> HRESULT {
         LONGLONG start = target_.SeekPosition();
         const DWORD startKind = currentFlags & AM_SEEKING_PositioningBitsMask;

@@ -22,8 +22,8 @@ protected:
     ~SeekTarget() = default;
 };
 
-/// IMediaSeeking of a source, for its filter and for each pin; each is an asker of its own. The deriving class brings
-/// IUnknown. The only time format is TIME_FORMAT_MEDIA_TIME.
+/// IMediaSeeking of a source, for its filter and for each pin; each is an asker of its own. The deriving
+/// class brings IUnknown. The only time format is TIME_FORMAT_MEDIA_TIME.
 class SourceSeeking : public IMediaSeeking {
 public:
     explicit SourceSeeking(SeekTarget& target) : target_(target) {}
@@ -40,7 +40,8 @@ public:
     STDMETHODIMP GetCurrentPosition(LONGLONG* current) override;
     STDMETHODIMP ConvertTimeFormat(LONGLONG* target, const GUID* targetFormat, LONGLONG source,
                                    const GUID* sourceFormat) override;
-    STDMETHODIMP SetPositions(LONGLONG* current, DWORD currentFlags, LONGLONG* stop, DWORD stopFlags) override;
+    STDMETHODIMP SetPositions(LONGLONG* current, DWORD currentFlags, LONGLONG* stop,
+                              DWORD stopFlags) override;
     STDMETHODIMP GetPositions(LONGLONG* current, LONGLONG* stop) override;
     STDMETHODIMP GetAvailable(LONGLONG* earliest, LONGLONG* latest) override;
     STDMETHODIMP SetRate(double rate) override;

@@ -1,18 +1,23 @@
 #include "filters/splitter/splitter_filter.h"
 
 #include "filters/base/stream_formats.h"
+#include "filters/core/picture_geometry.h"
 #include "filters/splitter/splitter_text.h"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 
 extern "C" {
+#include <libavcodec/packet.h>
 #include <libavutil/error.h>
 }
 
 namespace brindlecast {
 
 SplitterFilter::SplitterFilter()
-    : BaseFilter(kClsidLavSplitterSource, AM_FILTER_MISC_FLAGS_IS_SOURCE), SourceSeeking(static_cast<SeekTarget&>(*this)) {}
+    : BaseFilter(kClsidLavSplitterSource, AM_FILTER_MISC_FLAGS_IS_SOURCE),
+      SourceSeeking(static_cast<SeekTarget&>(*this)) {}
 
 SplitterFilter::~SplitterFilter() {
     // A graph stops its filters before it lets them go; this is for hosts that do not.
@@ -29,9 +34,25 @@ void* SplitterFilter::FindInterface(REFIID iid) noexcept {
         return static_cast<IMediaSeeking*>(this);
     if (iid == __uuidof(IKeyFrameInfo))
         return static_cast<IKeyFrameInfo*>(this);
+    if (iid == kIidPictureOrientation)
+        return static_cast<IPictureOrientation*>(this);
     if (iid == __uuidof(ILAVFSettings))
         return static_cast<ILAVFSettings*>(this);
     return BaseFilter::FindInterface(iid);
+}
+
+int SplitterFilter::GetPictureRotation() {
+    const int stream = EnabledStream(StreamKind::Video);
+    if (stream < 0)
+        return 0;
+    for (const auto& [type, bytes] : StreamAt(stream).sideData) {
+        std::array<std::int32_t, 9> matrix{};
+        if (type == AV_PKT_DATA_DISPLAYMATRIX && bytes.size() >= sizeof(matrix)) {
+            std::memcpy(matrix.data(), bytes.data(), sizeof(matrix));
+            return RotationOfDisplayMatrix(matrix);
+        }
+    }
+    return 0;
 }
 
 STDMETHODIMP SplitterFilter::Load(LPCOLESTR path, const AM_MEDIA_TYPE*) {
@@ -113,8 +134,8 @@ int SplitterFilter::EnabledStream(StreamKind kind) const {
     return pin != nullptr ? pin->Stream() : -1;
 }
 
-STDMETHODIMP SplitterFilter::Info(LONG index, AM_MEDIA_TYPE** type, DWORD* flags, LCID* language, DWORD* group,
-                                  WCHAR** name, IUnknown** object, IUnknown** unknown) {
+STDMETHODIMP SplitterFilter::Info(LONG index, AM_MEDIA_TYPE** type, DWORD* flags, LCID* language,
+                                  DWORD* group, WCHAR** name, IUnknown** object, IUnknown** unknown) {
     return Guarded([&]() -> HRESULT {
         const std::lock_guard lock(StateLock());
         if (index < 0 || static_cast<std::size_t>(index) >= streams_.size())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "filters/base/picture_orientation.h"
 #include "filters/splitter/source_seeking.h"
 #include "filters/splitter/splitter_pin.h"
 #include "filters/splitter/splitter_settings.h"
@@ -9,12 +10,13 @@
 
 namespace brindlecast {
 
-/// The file source and splitter. The state lock guards everything here but what streaming threads read, which does not
-/// change while they run: the list of streams, the queues, the file.
+/// The file source and splitter. The state lock guards everything here but what streaming threads read, which
+/// does not change while they run: the list of streams, the queues, the file.
 class SplitterFilter final : public BaseFilter,
                              public IFileSourceFilter,
                              public IAMStreamSelect,
                              public IKeyFrameInfo,
+                             public IPictureOrientation,
                              public SplitterSettings,
                              public SeekTarget,
                              public SourceSeeking {
@@ -30,12 +32,15 @@ public:
     STDMETHODIMP GetCurFile(LPOLESTR* path, AM_MEDIA_TYPE* type) override;
 
     STDMETHODIMP Count(DWORD* count) override;
-    STDMETHODIMP Info(LONG index, AM_MEDIA_TYPE** type, DWORD* flags, LCID* language, DWORD* group, WCHAR** name,
-                      IUnknown** object, IUnknown** unknown) override;
+    STDMETHODIMP Info(LONG index, AM_MEDIA_TYPE** type, DWORD* flags, LCID* language, DWORD* group,
+                      WCHAR** name, IUnknown** object, IUnknown** unknown) override;
     STDMETHODIMP Enable(LONG index, DWORD flags) override;
 
     STDMETHODIMP GetKeyFrameCount(UINT& count) override;
     STDMETHODIMP GetKeyFrames(const GUID* format, REFERENCE_TIME* keyFrames, UINT& count) override;
+
+    /// Of the chosen video stream. On the thread that connects pins and chooses streams.
+    int STDMETHODCALLTYPE GetPictureRotation() override;
 
     HRESULT SeekTo(const void* asker, const LONGLONG* start, const LONGLONG* stop) override;
     HRESULT ChangeRate(double rate) override;
@@ -47,7 +52,9 @@ public:
 
     // For the pins.
     [[nodiscard]] PacketQueues& Queues() noexcept { return queues_; }
-    [[nodiscard]] const DemuxStream& StreamAt(int stream) const { return streams_[static_cast<std::size_t>(stream)]; }
+    [[nodiscard]] const DemuxStream& StreamAt(int stream) const {
+        return streams_[static_cast<std::size_t>(stream)];
+    }
     [[nodiscard]] std::vector<MediaType> TypesOf(int stream) const;
     void OnConnectedWhileActive(SplitterPin& pin);
     void OnDisconnectedWhileActive(SplitterPin& pin);
@@ -78,7 +85,7 @@ private:
 
     std::wstring path_;
     std::unique_ptr<DemuxFile> file_;
-    std::vector<DemuxStream> streams_; // of the file; decodable says whether a pin can carry it
+    std::vector<DemuxStream> streams_;   // of the file; decodable says whether a pin can carry it
     std::array<SplitterPin*, 3> pins_{}; // by kind, owned by the list of pins
 
     PacketQueues queues_;
@@ -86,8 +93,8 @@ private:
     bool streaming_ = false;
     bool placed_ = true; // the file stands where the segment starts
 
-    BasePin::Segment segment_; // stop 0: none was set
-    REFERENCE_TIME pausedAt_ = 0; // stream time while paused
+    BasePin::Segment segment_;     // stop 0: none was set
+    REFERENCE_TIME pausedAt_ = 0;  // stream time while paused
     std::set<const void*> askers_; // who has asked for the present segment
     std::atomic<DemuxTime> duration_{0};
 };

@@ -24,12 +24,9 @@ constexpr DWORD kPatience = 30;
 
 const wchar_t* PinName(StreamKind kind) {
     switch (kind) {
-    case StreamKind::Video:
-        return L"Video";
-    case StreamKind::Audio:
-        return L"Audio";
-    default:
-        return L"Subtitle";
+    case StreamKind::Video: return L"Video";
+    case StreamKind::Audio: return L"Audio";
+    default: return L"Subtitle";
     }
 }
 
@@ -51,8 +48,8 @@ private:
 } // namespace
 
 SplitterPin::SplitterPin(SplitterFilter& filter, StreamKind kind, int stream)
-    : OutputPin(filter, PinName(kind)), SourceSeeking(static_cast<SeekTarget&>(filter)), filter_(filter), kind_(kind), stream_(stream),
-      types_(filter.TypesOf(stream)) {}
+    : OutputPin(filter, PinName(kind)), SourceSeeking(static_cast<SeekTarget&>(filter)), filter_(filter),
+      kind_(kind), stream_(stream), types_(filter.TypesOf(stream)) {}
 
 SplitterPin::~SplitterPin() = default;
 
@@ -72,7 +69,8 @@ HRESULT SplitterPin::CheckType(const MediaType& type) {
 }
 
 ALLOCATOR_PROPERTIES SplitterPin::BufferNeeds() {
-    // Our own buffers grow with the packet; for a receiver's allocator this is the largest packet to be expected.
+    // Our own buffers grow with the packet; for a receiver's allocator this is the largest packet to be
+    // expected.
     constexpr LONG kBuffers = 8;
     constexpr LONG kSmall = 256 * 1024;
     LONG size = kSmall;
@@ -180,7 +178,8 @@ void SplitterPin::DeliverPackets() {
     }
 }
 
-/// Whether a packet goes out at all: sound and subtitles from before the segment do not, nothing from behind it does.
+/// Whether a packet goes out at all: sound and subtitles from before the segment do not, nothing from behind
+/// it does.
 SplitterPin::Outcome SplitterPin::Judge(const DemuxPacket& packet) const {
     if (!packet.start)
         return Outcome::Delivered;
@@ -264,8 +263,8 @@ void SplitterPin::AttachSideData(IMediaSample& sample, const DemuxPacket& packet
     }
 }
 
-/// The receiver takes no more. That is its right when it answers S_FALSE or has been stopped; anything else breaks
-/// playback, and the application must hear of it.
+/// The receiver takes no more. That is its right when it answers S_FALSE or has been stopped; anything else
+/// breaks playback, and the application must hear of it.
 void SplitterPin::ReportFailure(HRESULT result) {
     const bool expected = result == S_FALSE || result == VFW_E_WRONG_STATE || result == VFW_E_NOT_COMMITTED ||
                           result == VFW_E_NOT_CONNECTED || result == VFW_E_SAMPLE_REJECTED_EOS;

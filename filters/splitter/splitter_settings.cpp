@@ -94,7 +94,8 @@ STDMETHODIMP SplitterSettings::GetFormats(LPSTR** formats, UINT* count) {
         void* walk = nullptr;
         while (const AVInputFormat* format = av_demuxer_iterate(&walk))
             names.push_back(format->name);
-        auto** list = static_cast<LPSTR*>(CoTaskMemAlloc(std::max<std::size_t>(names.size(), 1) * sizeof(LPSTR)));
+        auto** list =
+            static_cast<LPSTR*>(CoTaskMemAlloc(std::max<std::size_t>(names.size(), 1) * sizeof(LPSTR)));
         if (list == nullptr)
             return E_OUTOFMEMORY;
         for (std::size_t i = 0; i < names.size(); ++i) {

@@ -155,7 +155,10 @@ HRESULT SplitterFilter::SeekTo(const void* asker, const LONGLONG* start, const L
     const std::lock_guard lock(StateLock());
     BasePin::Segment wanted = segment_;
     if (start != nullptr)
-        wanted.start = std::clamp<LONGLONG>(*start, 0, duration_ > 0 ? duration_.load() : *start < 0 ? 0 : *start);
+        wanted.start = std::clamp<LONGLONG>(*start, 0,
+                                            duration_ > 0 ? duration_.load()
+                                            : *start < 0  ? 0
+                                                          : *start);
     if (stop != nullptr) // the end of the file is where it stops anyway
         wanted.stop = duration_ > 0 && *stop >= duration_ ? 0 : std::max<LONGLONG>(*stop, 0);
     if (start == nullptr) {
@@ -207,8 +210,8 @@ void SplitterFilter::OnDisconnectedWhileActive(SplitterPin& pin) {
 }
 
 void SplitterFilter::OnDelivered() {
-    // Runs on delivery threads, which must not take the state lock: the clock and the start time are safe to ask, the
-    // segment does not change while these threads run.
+    // Runs on delivery threads, which must not take the state lock: the clock and the start time are safe to
+    // ask, the segment does not change while these threads run.
     const SplitterPin* sound = PinOf(StreamKind::Audio);
     if (sound == nullptr)
         return;

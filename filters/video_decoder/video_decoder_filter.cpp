@@ -55,7 +55,15 @@ void* VideoDecoderFilter::FindInterface(REFIID iid) noexcept {
     if (iid == __uuidof(ILAVVideoStatus)) {
         return static_cast<ILAVVideoStatus*>(this);
     }
+    if (iid == kIidPictureOrientation) {
+        return static_cast<IPictureOrientation*>(this);
+    }
     return TransformFilter::FindInterface(iid);
+}
+
+int VideoDecoderFilter::GetPictureRotation() {
+    const auto source = Input().Peer();
+    return source != nullptr ? PictureRotationOf(*source.Get()) : 0;
 }
 
 STDMETHODIMP_(LPCWSTR) VideoDecoderFilter::GetActiveDecoderName() {

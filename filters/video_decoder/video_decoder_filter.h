@@ -1,5 +1,6 @@
 #pragma once
 
+#include "filters/base/picture_orientation.h"
 #include "filters/base/transform_filter.h"
 #include "filters/core/video_decoder.h"
 #include "filters/core/video_picture.h"
@@ -14,7 +15,10 @@ namespace brindlecast {
 
 /// The DirectShow filter around VideoDecoder. Pictures leave in the first of its formats that the receiver
 /// takes; the format changes in mid-stream when the pictures do and the receiver agrees.
-class VideoDecoderFilter final : public TransformFilter, public VideoSettings, public ILAVVideoStatus {
+class VideoDecoderFilter final : public TransformFilter,
+                                 public VideoSettings,
+                                 public ILAVVideoStatus,
+                                 public IPictureOrientation {
 public:
     VideoDecoderFilter();
 
@@ -22,6 +26,9 @@ public:
 
     STDMETHODIMP_(LPCWSTR) GetActiveDecoderName() override;
     STDMETHODIMP GetHWAccelActiveDevice(BSTR* device) override;
+
+    /// What the source says; decoding turns nothing.
+    int STDMETHODCALLTYPE GetPictureRotation() override;
 
     HRESULT CheckInput(const MediaType& type) override;
     std::vector<MediaType> OutputTypes() override;

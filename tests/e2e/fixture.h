@@ -15,6 +15,10 @@ inline constexpr Film kShortFilm{L"short.mkv", 320, 180, 25.0};
 inline constexpr Film kSilentFilm{L"silent.mkv", 320, 180, 25.0};
 inline constexpr Film kKoreanFilm{L"한국어 영화 01화.mkv", 320, 180, 25.0};
 
+// Display sizes, not those of the coded frames.
+inline constexpr Film kAnamorphicFilm{L"anamorphic.mp4", 320, 180, 25.0};
+inline constexpr Film kRotatedFilm{L"rotated.mp4", 180, 320, 25.0};
+
 // How far a reading of the screen may lie from the clock, in seconds: one frame of the film, one of the
 // reading, and the time that a photograph takes.
 inline constexpr double kScreenTolerance = 0.12;

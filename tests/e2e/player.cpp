@@ -133,6 +133,18 @@ void Player::Drop(const std::vector<std::wstring>& paths) {
     ASSERT_TRUE(StartNative(NativeTool(L"xdnd_source"), arguments));
 }
 
+bool Player::Play(const Film& film) {
+    Drop({Media(film.name)});
+    const std::wstring title = std::wstring(L"Brindlecast - ") + film.name;
+    if (!WaitUntil(limits::kPicture, "title", [&] { return Title() == title; })) {
+        return false;
+    }
+    // The first reading may still be the picture of a former film; any other number is of this one.
+    const std::optional<int> first = WaitForFrame(film);
+    return first && WaitUntil(limits::kReaction, "moving picture",
+                              [&] { return FrameOnScreen(film).value_or(*first) != *first; });
+}
+
 std::optional<DWORD> Player::Close() {
     PostMessageW(mainWindow, WM_CLOSE, 0, 0);
     if (WaitForSingleObject(process.Get(), static_cast<DWORD>(limits::kExit.count())) != WAIT_OBJECT_0) {

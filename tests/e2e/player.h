@@ -42,6 +42,8 @@ public:
     void OpenByDialog(const std::wstring& path);
     // Drops files onto the picture as a file manager would.
     void Drop(const std::vector<std::wstring>& paths);
+    // Drops a film and waits until its picture moves.
+    [[nodiscard]] bool Play(const Film& film);
     // Asks the window to close and waits for the process; its exit code, or nothing when it did not end in
     // time.
     [[nodiscard]] std::optional<DWORD> Close();

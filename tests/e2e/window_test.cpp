@@ -50,6 +50,20 @@ TEST_F(WindowTest, ADrawnEdgeResizesAndThePictureKeepsItsShape) {
     EXPECT_EQ(player.Close(), 0U);
 }
 
+TEST_F(WindowTest, AnamorphicAndTurnedFilmsStandUprightInTheirShape) {
+    Player player;
+    for (const Film& film : {kAnamorphicFilm, kRotatedFilm}) {
+        ASSERT_TRUE(player.Play(film)) << "the mark must stand where the shape puts it";
+        const Rect video = ScreenRectOf(player.VideoWindow());
+        const auto colours =
+            ReadColourPatches(PhotographScreen(video).View(),
+                              FitPicture({0, 0, video.Width(), video.Height()}, film.width, film.height));
+        ASSERT_TRUE(colours.has_value());
+        EXPECT_LE(LargestPatchError(*colours), 8);
+    }
+    EXPECT_EQ(player.Close(), 0U);
+}
+
 TEST_F(WindowTest, APressOnThePictureMovesTheWindow) {
     Player player;
     const Rect before = ScreenRectOf(player.MainWindow());

@@ -38,6 +38,14 @@ TEST_F(RendererControl, ARefusedCallbackIsReleased) {
     EXPECT_EQ(nullptr, engine->subtitleCallback);
 }
 
+TEST_F(RendererControl, TheCallbackGoesWithItsGraph) {
+    ASSERT_TRUE(engine->OpenFile(kFilm));
+    ComPtr<CMPCVR11SubtitleCallback> callback = engine->subtitleCallback;
+    engine->CloseGraph();
+    callback->AddRef();
+    EXPECT_EQ(1U, callback->Release()) << "the test's own reference is the last";
+}
+
 TEST_F(RendererControl, RejectedOptionsChangeNothing) {
     SetNumber("MpcVideoRenderer64.setBool", E_INVALIDARG);
     SetNumber("MpcVideoRenderer64.setInt", E_INVALIDARG);

@@ -11,7 +11,8 @@ extern "C" {
 #include <libavcodec/packet.h>
 }
 
-#ifndef _WIN32 // the files are made here with the ffmpeg program; tests/filters plays them on the product's platform
+#ifndef _WIN32 // the files are made here with the ffmpeg program; tests/filters plays them on the product's
+               // platform
 
 namespace brindlecast {
 namespace {
@@ -114,11 +115,13 @@ TEST(DemuxFileTest, StreamsAndDurationAreTold) {
 }
 
 TEST(DemuxFileTest, TheTableIsWhatReadingTheFileFinds) {
-    const std::string vfr = "-f lavfi -i testsrc2=s=64x36:r=25 -t 12 -vf \"select='lt(mod(n\\,7)\\,3)+lt(n\\,40)'\" "
-                            "-vsync vfr -c:v libx264 -preset ultrafast -bf 3 -b_strategy 0 -g 20 ";
+    const std::string vfr =
+        "-f lavfi -i testsrc2=s=64x36:r=25 -t 12 -vf \"select='lt(mod(n\\,7)\\,3)+lt(n\\,40)'\" "
+        "-vsync vfr -c:v libx264 -preset ultrafast -bf 3 -b_strategy 0 -g 20 ";
     for (const std::string& path :
          {Film("film.mkv"), Film("film.mp4"), Film("faststart.mp4", "-movflags +faststart"),
-          Media::Make("vfr.mp4", vfr), Media::Make("tiny_gop.mp4", std::string(kPicture) + "-t 4 " + kH264 + "-g 3 ")}) {
+          Media::Make("vfr.mp4", vfr),
+          Media::Make("tiny_gop.mp4", std::string(kPicture) + "-t 4 " + kH264 + "-g 3 ")}) {
         const std::vector<DemuxTime> truth = KeyframesByReading(path);
         EXPECT_GE(truth.size(), 5u) << path;
         EXPECT_EQ(TableOf(path), truth) << path;
@@ -198,8 +201,25 @@ TEST(DemuxFileTest, ThereIsNoTableWithoutACompleteIndex) {
     EXPECT_THAT(song->Keyframes(), IsEmpty());
 }
 
+TEST(DemuxFileTest, AnIndexMadeUpWhileReadingIsNoTable) {
+    std::ifstream in(Film("film.mkv"), std::ios::binary);
+    std::string bytes((std::istreambuf_iterator<char>(in)), {});
+    const std::string cues = "\x1c\x53\xbb\x6b";
+    int places = 0;
+    for (std::size_t at = bytes.find(cues); at != std::string::npos; at = bytes.find(cues, at + 1)) {
+        bytes[at + 3] = '\x6c'; // an element that nobody knows
+        ++places;
+    }
+    ASSERT_GE(places, 1);
+    const std::string path = Media::Path("no_cues.mkv");
+    std::ofstream(path, std::ios::binary) << bytes;
+    EXPECT_GT(OpenFile(path)->Duration(), 9 * kSecond);
+    EXPECT_THAT(TableOf(path), IsEmpty());
+}
+
 TEST(DemuxFileTest, AllIntraIsSaidAndHasNoTable) {
-    for (const auto& [name, codec] : {std::pair("intra.mp4", "-c:v libx264 -g 1 "), std::pair("intra.mkv", "-c:v mjpeg ")}) {
+    for (const auto& [name, codec] :
+         {std::pair("intra.mp4", "-c:v libx264 -g 1 "), std::pair("intra.mkv", "-c:v mjpeg ")}) {
         const auto file = OpenFile(Media::Make(name, std::string(kPicture) + "-t 3 " + codec));
         file->LoadKeyframes(0);
         EXPECT_TRUE(file->AllIntra()) << name;
@@ -220,7 +240,8 @@ TEST(DemuxFileTest, TimesCountFromTheContainersStart) {
 }
 
 TEST(DemuxFileTest, SoundSeeksToThePacketBeforeTheTarget) {
-    for (const auto& [name, codec] : {std::pair("song.mp3", "-c:a libmp3lame "), std::pair("song.flac", "-c:a flac ")}) {
+    for (const auto& [name, codec] :
+         {std::pair("song.mp3", "-c:a libmp3lame "), std::pair("song.flac", "-c:a flac ")}) {
         const auto file = OpenFile(Media::Make(name, std::string(kSound) + "-t 5 " + codec));
         for (const DemuxTime target : {3 * kSecond, kSecond + 7, 4 * kSecond}) {
             ASSERT_TRUE(file->Seek(target, 0));
@@ -233,7 +254,8 @@ TEST(DemuxFileTest, SoundSeeksToThePacketBeforeTheTarget) {
 
 TEST(DemuxFileTest, TruncatedFilesEndAndSeekIntoWhatIsLeft) {
     for (const char* name : {"film.mkv", "faststart.mp4"}) {
-        const std::string whole = std::string(name) == "film.mkv" ? Film(name) : Film(name, "-movflags +faststart");
+        const std::string whole =
+            std::string(name) == "film.mkv" ? Film(name) : Film(name, "-movflags +faststart");
         const std::string path = Media::Path(std::string("half_") + name);
         std::filesystem::copy_file(whole, path);
         std::filesystem::resize_file(path, std::filesystem::file_size(whole) / 2);

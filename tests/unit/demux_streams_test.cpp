@@ -60,7 +60,8 @@ TEST(DemuxStreams, SoundGoesByLanguageThenFlagThenOrderAndOnlyDecodableCounts) {
 }
 
 TEST(DemuxStreams, SubtitlesAreChosenByModeOnly) {
-    std::vector<DemuxStream> streams = {Stream(StreamKind::Subtitle, "eng"), Stream(StreamKind::Subtitle, "kor", true),
+    std::vector<DemuxStream> streams = {Stream(StreamKind::Subtitle, "eng"),
+                                        Stream(StreamKind::Subtitle, "kor", true),
                                         Stream(StreamKind::Subtitle, "jpn")};
     EXPECT_EQ(ChooseStreams(streams, Texts(Subtitles::None, {"jpn"})).subtitle, -1);
     EXPECT_EQ(ChooseStreams(streams, Texts(Subtitles::Default, {"jpn"})).subtitle, 2);

@@ -1,6 +1,6 @@
 #include "tests/filters/audio_decoder/audio_bench.h"
 
-#include "filters/audio_decoder/audio_type.h"
+#include "filters/base/audio_type.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,4 +1,4 @@
-#include "filters/audio_decoder/audio_type.h"
+#include "filters/base/audio_type.h"
 #include "filters/include/audio_switcher.h"
 #include "tests/filters/support/push_source.h"
 #include "tests/filters/support/recording_sink.h"

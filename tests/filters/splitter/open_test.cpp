@@ -6,10 +6,10 @@
 namespace brindlecast {
 namespace {
 
+using Microsoft::WRL::ComPtr;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-using Microsoft::WRL::ComPtr;
 
 std::vector<std::wstring> PinNames(const SplitterRig& rig) {
     std::vector<std::wstring> names;
@@ -147,7 +147,8 @@ TEST(SplitterOpen, AudioTypesCarryTagAndExtradata) {
         WORD tag;
         WORD extra;
     };
-    for (const Case& one : {Case{L"film.mkv", 0x00ff, 5}, Case{L"song.mp3", 0x0055, 0}, Case{L"song.flac", 0xf1ac, 34}}) {
+    for (const Case& one :
+         {Case{L"film.mkv", 0x00ff, 5}, Case{L"song.mp3", 0x0055, 0}, Case{L"song.flac", 0xf1ac, 34}}) {
         SplitterRig rig;
         ASSERT_EQ(rig.Load(MediaPath(one.name)), S_OK);
         const std::vector<MediaType> types = TypesOf(rig.Pin(L"Audio").Get());
@@ -170,9 +171,11 @@ TEST(SplitterOpen, TheKeyframeTableIsTrueOrEmpty) {
         LONGLONG first;
         std::size_t count;
     };
-    // Two seconds between keyframes in all of them; a file whose index does not reach to its end has no table.
-    for (const Case& one : {Case{L"film.mkv", 210'000, 10}, Case{L"film.mp4", 0, 10}, Case{L"faststart.mp4", 0, 5},
-                            Case{L"no_cues.mkv", 0, 0}, Case{L"live.mkv", 0, 0}, Case{L"truncated.mkv", 0, 0}}) {
+    // Two seconds between keyframes in all of them; a file whose index does not reach to its end has no
+    // table.
+    for (const Case& one :
+         {Case{L"film.mkv", 210'000, 10}, Case{L"film.mp4", 0, 10}, Case{L"faststart.mp4", 0, 5},
+          Case{L"no_cues.mkv", 0, 0}, Case{L"live.mkv", 0, 0}, Case{L"truncated.mkv", 0, 0}}) {
         SplitterRig rig;
         ASSERT_EQ(rig.Load(MediaPath(one.name)), S_OK);
         const std::vector<REFERENCE_TIME> times = rig.Keyframes();

@@ -45,7 +45,8 @@ TEST(SplitterPlay, SamplesStartWithASegmentAndADiscontinuityAndKeyframesAreMarke
     EXPECT_EQ(events.front().segment.rate, 1.0);
     const std::vector<Sample> samples = rig.video->Samples();
     EXPECT_TRUE(samples.front().discontinuity);
-    EXPECT_EQ(std::count_if(samples.begin(), samples.end(), [](const Sample& s) { return s.discontinuity; }), 1);
+    EXPECT_EQ(std::count_if(samples.begin(), samples.end(), [](const Sample& s) { return s.discontinuity; }),
+              1);
     std::vector<REFERENCE_TIME> keyframes;
     for (const Sample& sample : samples) {
         if (sample.syncPoint)
@@ -54,8 +55,8 @@ TEST(SplitterPlay, SamplesStartWithASegmentAndADiscontinuityAndKeyframesAreMarke
         EXPECT_EQ(*sample.stop - *sample.start, 400'000);
         ASSERT_GT(sample.bytes.size(), 4u);
         // Length-prefixed units: the first length leads to the end or to another unit, never beyond.
-        const std::size_t length = sample.bytes[0] << 24 | sample.bytes[1] << 16 | sample.bytes[2] << 8 |
-                                   sample.bytes[3];
+        const std::size_t length =
+            sample.bytes[0] << 24 | sample.bytes[1] << 16 | sample.bytes[2] << 8 | sample.bytes[3];
         EXPECT_LE(length + 4, sample.bytes.size());
     }
     EXPECT_EQ(keyframes, rig.Keyframes());
@@ -159,7 +160,8 @@ TEST_P(BrokenFile, TruncatedFilesPlayWhatTheyHaveAndEnd) {
     EXPECT_LT(rig.video->Samples().size(), 400u);
 }
 
-INSTANTIATE_TEST_SUITE_P(Truncated, BrokenFile, testing::Values(L"truncated.mkv", L"truncated_faststart.mp4"));
+INSTANTIATE_TEST_SUITE_P(Truncated, BrokenFile,
+                         testing::Values(L"truncated.mkv", L"truncated_faststart.mp4"));
 
 TEST(SplitterPlay, RotationTravelsAsSideDataOnEverySample) {
     SplitterRig rig;

@@ -123,8 +123,9 @@ TEST(SplitterSeek, OneSeekThroughSeveralObjectsJumpsOnceAndTheSameAskerJumpsAgai
     ASSERT_TRUE(throughVideo && throughAudio);
     LONGLONG target = 6 * kSecond;
     const auto seek = [&](IMediaSeeking* asker) {
-        EXPECT_EQ(asker->SetPositions(&target, AM_SEEKING_AbsolutePositioning, nullptr, AM_SEEKING_NoPositioning),
-                  S_OK);
+        EXPECT_EQ(
+            asker->SetPositions(&target, AM_SEEKING_AbsolutePositioning, nullptr, AM_SEEKING_NoPositioning),
+            S_OK);
     };
     const std::size_t before = Flushes(rig);
     seek(rig.seeking.Get());
@@ -191,7 +192,8 @@ TEST(SplitterSeek, AStopPositionEndsTheStreamThere) {
     rig.Open(L"film.mp4");
     LONGLONG start = 2 * kSecond;
     LONGLONG stop = 5 * kSecond;
-    ASSERT_EQ(rig.seeking->SetPositions(&start, AM_SEEKING_AbsolutePositioning, &stop, AM_SEEKING_AbsolutePositioning),
+    ASSERT_EQ(rig.seeking->SetPositions(&start, AM_SEEKING_AbsolutePositioning, &stop,
+                                        AM_SEEKING_AbsolutePositioning),
               S_OK);
     ASSERT_TRUE(SUCCEEDED(rig.graph->Run()));
     ASSERT_TRUE(rig.video->WaitForCount(Kind::EndOfStream, 1));
@@ -237,9 +239,8 @@ TEST(SplitterRate, SampleTimesAreDividedByTheRateAndTheSegmentCarriesIt) {
     EXPECT_EQ(rig.video->Events().front().segment.rate, 2.0);
     const std::vector<Sample> samples = rig.video->SamplesOfSegment();
     ASSERT_EQ(samples.size(), 400u);
-    const auto last = std::max_element(samples.begin(), samples.end(), [](const Sample& a, const Sample& b) {
-        return *a.start < *b.start;
-    });
+    const auto last = std::max_element(samples.begin(), samples.end(),
+                                       [](const Sample& a, const Sample& b) { return *a.start < *b.start; });
     EXPECT_EQ(*last->start, (16 * kSecond - 400'000) / 2);
     EXPECT_EQ(*last->stop, 8 * kSecond);
 }

@@ -71,8 +71,8 @@ std::vector<SplitterRig::StreamInfo> SplitterRig::Streams() const {
         AM_MEDIA_TYPE* type = nullptr;
         WCHAR* name = nullptr;
         StreamInfo info;
-        if (streams->Info(static_cast<long>(i), &type, &info.flags, nullptr, &info.group, &name, nullptr, nullptr) !=
-            S_OK)
+        if (streams->Info(static_cast<long>(i), &type, &info.flags, nullptr, &info.group, &name, nullptr,
+                          nullptr) != S_OK)
             continue;
         info.major = type->majortype;
         info.name = name;

@@ -26,7 +26,9 @@ public:
     /// Loads a generated file and connects.
     void Open(const std::wstring& name);
 
-    [[nodiscard]] Microsoft::WRL::ComPtr<IPin> Pin(const wchar_t* name) const { return PinNamed(splitter.Get(), name); }
+    [[nodiscard]] Microsoft::WRL::ComPtr<IPin> Pin(const wchar_t* name) const {
+        return PinNamed(splitter.Get(), name);
+    }
     /// Seeks through the splitter's own interface, as one asker.
     HRESULT Seek(LONGLONG target);
     /// Every time the keyframe table holds.

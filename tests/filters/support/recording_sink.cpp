@@ -39,7 +39,8 @@ RecordingSink::Sample Describe(IMediaSample& sample, bool keepBytes) {
         GUID kind{};
         const BYTE* block = nullptr;
         ULONG size = 0;
-        if (SUCCEEDED(sideData->GetSideDataKind(i, &kind)) && SUCCEEDED(sideData->GetSideData(kind, &block, &size)))
+        if (SUCCEEDED(sideData->GetSideDataKind(i, &kind)) &&
+            SUCCEEDED(sideData->GetSideData(kind, &block, &size)))
             copy.sideData.emplace_back(kind, std::vector<BYTE>(block, block + size));
     }
     return copy;
@@ -63,7 +64,8 @@ protected:
     HRESULT OnEndOfStream() override {
         sink_.Write({Kind::EndOfStream, {}, {}, GetCurrentThreadId()});
         if (sink_.State() == State_Running)
-            sink_.BaseFilter::Notify(EC_COMPLETE, S_OK, reinterpret_cast<LONG_PTR>(static_cast<IBaseFilter*>(&sink_)));
+            sink_.BaseFilter::Notify(EC_COMPLETE, S_OK,
+                                     reinterpret_cast<LONG_PTR>(static_cast<IBaseFilter*>(&sink_)));
         return S_OK;
     }
     HRESULT OnBeginFlush() override {
@@ -91,7 +93,8 @@ private:
     RecordingSink& sink_;
 };
 
-ComPtr<RecordingSink> RecordingSink::Create(const GUID& majorType, std::function<bool(const MediaType&)> accepts) {
+ComPtr<RecordingSink> RecordingSink::Create(const GUID& majorType,
+                                            std::function<bool(const MediaType&)> accepts) {
     return AdoptReference(new RecordingSink(majorType, std::move(accepts)));
 }
 
@@ -193,8 +196,8 @@ std::vector<RecordingSink::Sample> RecordingSink::Samples() {
 
 std::size_t RecordingSink::Count(Kind kind) {
     const std::lock_guard lock(mutex_);
-    return static_cast<std::size_t>(
-        std::count_if(events_.begin(), events_.end(), [&](const Event& event) { return event.kind == kind; }));
+    return static_cast<std::size_t>(std::count_if(events_.begin(), events_.end(),
+                                                  [&](const Event& event) { return event.kind == kind; }));
 }
 
 void RecordingSink::Clear() {
@@ -210,9 +213,9 @@ bool RecordingSink::WaitFor(const std::function<bool(const std::vector<Event>&)>
 bool RecordingSink::WaitForCount(Kind kind, std::size_t count, int milliseconds) {
     return WaitFor(
         [&](const std::vector<Event>& events) {
-            return static_cast<std::size_t>(std::count_if(events.begin(), events.end(), [&](const Event& event) {
-                       return event.kind == kind;
-                   })) >= count;
+            return static_cast<std::size_t>(
+                       std::count_if(events.begin(), events.end(),
+                                     [&](const Event& event) { return event.kind == kind; })) >= count;
         },
         milliseconds);
 }

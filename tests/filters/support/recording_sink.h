@@ -10,7 +10,8 @@
 
 namespace brindlecast {
 
-/// A renderer that writes down what arrives. It takes samples as fast as they come, unless told to block or refuse.
+/// A renderer that writes down what arrives. It takes samples as fast as they come, unless told to block or
+/// refuse.
 class RecordingSink final : public BaseFilter, public UpstreamSeeking {
 public:
     struct Sample {

@@ -40,7 +40,8 @@ HRESULT TestGraph::ConnectDirect(IPin* from, IPin* to, const MediaType* type) {
 
 void TestGraph::RemoveClock() {
     ComPtr<IMediaFilter> filter;
-    Require(graph_->QueryInterface(IID_IMediaFilter, reinterpret_cast<void**>(filter.GetAddressOf())), "IMediaFilter");
+    Require(graph_->QueryInterface(IID_IMediaFilter, reinterpret_cast<void**>(filter.GetAddressOf())),
+            "IMediaFilter");
     Require(filter->SetSyncSource(nullptr), "SetSyncSource");
 }
 

@@ -1,20 +1,10 @@
 #include "tests/filters/support/test_module.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
 #include <stdexcept>
 
 namespace brindlecast {
 namespace {
-
-/// Filters are used from an apartment like the player's main thread.
-class ComEnvironment final : public ::testing::Environment {
-public:
-    void SetUp() override { ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))); }
-    void TearDown() override { CoUninitialize(); }
-};
-
-const auto* const comEnvironment = ::testing::AddGlobalTestEnvironment(new ComEnvironment);
 
 std::wstring ProductFolder() {
     wchar_t buffer[MAX_PATH] = {};
@@ -54,9 +44,11 @@ HRESULT TestModule::CanUnload() const {
 Microsoft::WRL::ComPtr<IBaseFilter> TestModule::CreateFilter(REFCLSID clsid) const {
     Microsoft::WRL::ComPtr<IClassFactory> factory;
     Microsoft::WRL::ComPtr<IBaseFilter> filter;
-    HRESULT result = GetClassObject(clsid, IID_IClassFactory, reinterpret_cast<void**>(factory.GetAddressOf()));
+    HRESULT result =
+        GetClassObject(clsid, IID_IClassFactory, reinterpret_cast<void**>(factory.GetAddressOf()));
     if (SUCCEEDED(result))
-        result = factory->CreateInstance(nullptr, IID_IBaseFilter, reinterpret_cast<void**>(filter.GetAddressOf()));
+        result = factory->CreateInstance(nullptr, IID_IBaseFilter,
+                                         reinterpret_cast<void**>(filter.GetAddressOf()));
     if (FAILED(result))
         throw std::runtime_error("filter cannot be created, result " + std::to_string(result));
     return filter;

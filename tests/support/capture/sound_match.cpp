@@ -16,6 +16,10 @@ namespace {
 // Correlation is done at a sixth of the rate: enough to tell sounds apart, and quick.
 constexpr int kDecimation = 6;
 constexpr double kLongestDelay = 8.0;
+// What a sound card may add is a fifth of a second; a film whose lips are half a second off is not played
+// right.
+constexpr double kLargestShift = 0.5;
+constexpr double kAboutAsWell = 0.85;
 constexpr double kSounding = -60.0;
 constexpr double kAudible = -75.0;
 // Unrelated sounds stay below 0.1. The same sound keeps 0.6 behind a normaliser or mixed down by other
@@ -177,6 +181,14 @@ bool IsSure(const std::vector<Candidate>& candidates, const Candidate& best) {
     });
 }
 
+// Whether some delay near the picture's explains the recording about as well as the best one.
+bool IsNear(const std::vector<Candidate>& candidates, const Candidate& best, double pictureDelay) {
+    return std::any_of(candidates.begin(), candidates.end(), [&](const Candidate& other) {
+        return std::abs(other.delay - pictureDelay) <= kLargestShift &&
+               other.likeness >= kAboutAsWell * best.likeness;
+    });
+}
+
 double LevelOfBoth(const Recording& sound, double begin, double end) {
     return std::max(LevelDbfs(Between(sound.left, sound.rate, begin, end)),
                     LevelDbfs(Between(sound.right, sound.rate, begin, end)));
@@ -215,7 +227,8 @@ void MeasureCoverage(const Recording& recording, double recordedAt, const Record
 
 } // namespace
 
-SoundMatch MatchSound(const Recording& recording, double recordedAt, const Recording& source) {
+SoundMatch MatchSound(const Recording& recording, double recordedAt, const Recording& source,
+                      std::optional<double> pictureDelay) {
     SoundMatch match;
     const auto refuse = [&match](std::string complaint) {
         match.complaint = std::move(complaint);
@@ -251,6 +264,10 @@ SoundMatch MatchSound(const Recording& recording, double recordedAt, const Recor
     }
     if (match.coverage < kLeastCoverage) {
         return refuse("the sound has holes");
+    }
+    match.together = !pictureDelay || IsNear(candidates, *best, *pictureDelay);
+    if (!match.together) {
+        return refuse("the sound is NOT together with the picture");
     }
     match.heard = true;
     return match;

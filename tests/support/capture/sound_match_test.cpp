@@ -128,6 +128,15 @@ TEST(SoundMatch, AnotherSoundFails) {
     EXPECT_FALSE(MatchSound(hiss, -0.5, source).heard);
 }
 
+TEST(SoundMatch, SoundApartFromThePictureFails) {
+    const Recording source = Music(1, 8);
+    const Recording recording = Heard(source, 1.7, 7);
+    EXPECT_TRUE(MatchSound(recording, -0.5, source, 1.4).heard);
+    EXPECT_FALSE(MatchSound(recording, -0.5, source, 0.5).heard);
+    EXPECT_FALSE(MatchSound(recording, -0.5, source, 0.5).together);
+    EXPECT_FALSE(MatchSound(recording, -0.5, source, 2.9).heard);
+}
+
 TEST(SoundMatch, HolesFail) {
     const Recording source = Music(1, 8);
     const auto torn = [](double time) {

@@ -1,4 +1,4 @@
-#include "filters/audio_decoder/audio_type.h"
+#include "filters/base/audio_type.h"
 
 #include "filters/core/audio_wave_header.h"
 
