@@ -17,7 +17,7 @@ namespace {
 
 using Microsoft::WRL::ComPtr;
 
-/// Enough for a renderer to stay ahead; a buffer holds a tenth of a second.
+// Enough for a renderer to stay ahead; a buffer holds a tenth of a second.
 constexpr LONG kOutputBuffers = 8;
 constexpr int kBuffersPerSecond = 10;
 
@@ -30,7 +30,7 @@ LONG BufferBytes(const AudioFormat& format) {
     return static_cast<LONG>(format.BytesPerFrame() * std::max(format.sampleRate / kBuffersPerSecond, 1));
 }
 
-/// Reads what the container wants left out: two 32-bit numbers of samples, at the start and at the end.
+// Reads what the container wants left out: two 32-bit numbers of samples, at the start and at the end.
 void ReadSkipping(IMediaSample& sample, AudioPacket& packet) {
     constexpr ULONG kLeastBytes = 8;
     ComPtr<ISampleSideData> holder;
@@ -141,14 +141,14 @@ void AudioDecoderFilter::OnInputDisconnected() {
     details_.reset();
 }
 
-/// The codec's own name, lower-case, as the library knows it.
+// The codec's own name, lower-case, as the library knows it.
 void AudioDecoderFilter::TellDetails() {
     const Details details = {avcodec_get_name(decoder_->context().codec_id), decoder_->NaturalFormat()};
     const std::lock_guard lock(detailsLock_);
     details_ = details;
 }
 
-/// What the decoder gives without loss comes first, then 16 bits, which every receiver takes.
+// What the decoder gives without loss comes first, then 16 bits, which every receiver takes.
 std::vector<AudioFormat> AudioDecoderFilter::Formats() {
     AudioFormat natural;
     {
@@ -304,7 +304,7 @@ bool AudioDecoderFilter::Deliver(AudioBlock&& block) {
     return deliveryResult_ == S_OK;
 }
 
-/// Sends bytes_ in samples no larger than a buffer of any allocator.
+// Sends bytes_ in samples no larger than a buffer of any allocator.
 HRESULT AudioDecoderFilter::DeliverBytes(Time100ns start) {
     const AudioFormat& format = converter_->output();
     const auto frameBytes = static_cast<std::size_t>(format.BytesPerFrame());

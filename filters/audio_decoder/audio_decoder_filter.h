@@ -12,8 +12,8 @@
 
 namespace brindlecast {
 
-/// The DirectShow filter around AudioDecoder. The format agreed on at connection stays; what comes in another
-/// format later (after a change of track, say) is converted to it.
+// The DirectShow filter around AudioDecoder. The format agreed on at connection stays; what comes in another
+// format later (after a change of track, say) is converted to it.
 class AudioDecoderFilter final : public TransformFilter, public AudioSettings, public ILAVAudioStatus {
 public:
     AudioDecoderFilter();
@@ -48,7 +48,7 @@ protected:
     void* FindInterface(REFIID iid) noexcept override;
 
 private:
-    /// What is decoded, as far as it is told. Static text.
+    // What is decoded, as far as it is told. Static text.
     struct Details {
         const char* codec = nullptr;
         AudioFormat format;

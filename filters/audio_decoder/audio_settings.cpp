@@ -13,11 +13,11 @@ constexpr std::uint32_t kSevenOne = 0x63F;
 constexpr std::uint32_t kBackCenter = 0x100;
 constexpr DWORD kPlatformSpeakers = 0x3FFFF;
 
-/// For what the decoder does not do: leaving it off is fine, turning it on is not possible.
+// For what the decoder does not do: leaving it off is fine, turning it on is not possible.
 HRESULT OnlyOff(BOOL enabled) {
     return enabled ? E_NOTIMPL : S_OK;
 }
-/// The other way round.
+// The other way round.
 HRESULT OnlyOn(BOOL enabled) {
     return enabled ? S_OK : E_NOTIMPL;
 }

@@ -9,10 +9,10 @@
 
 namespace brindlecast {
 
-/// The decoder's settings. Every method may be called on any thread at any time. Compression takes effect at
-/// once, what changes the output's format with the next connection. A setter answers E_NOTIMPL where the
-/// decoder can't do what is asked for, and its getter tells what the decoder does. The class that derives
-/// brings IUnknown.
+// The decoder's settings. Every method may be called on any thread at any time. Compression takes effect at
+// once, what changes the output's format with the next connection. A setter answers E_NOTIMPL where the
+// decoder can't do what is asked for, and its getter tells what the decoder does. The class that derives
+// brings IUnknown.
 class AudioSettings : public ILAVAudioSettings {
 public:
     STDMETHODIMP SetRuntimeConfig(BOOL runtime) override;
@@ -63,10 +63,10 @@ protected:
     AudioSettings();
     ~AudioSettings() = default;
 
-    /// From 0 (none) to 1, by what is set now.
+    // From 0 (none) to 1, by what is set now.
     [[nodiscard]] double Compression() const;
     [[nodiscard]] bool IsEnabled(SampleKind kind) const;
-    /// The channels in which sound of `source` leaves.
+    // The channels in which sound of `source` leaves.
     [[nodiscard]] AudioFormat WithOutputChannels(AudioFormat source) const;
 
 private:
@@ -83,8 +83,8 @@ private:
     std::array<std::atomic<bool>, kSampleFormats> sampleFormats_;
 };
 
-/// The LavSampleFormat of a kind, and whether there is a kind for a LavSampleFormat that the decoder gives
-/// out.
+// The LavSampleFormat of a kind, and whether there is a kind for a LavSampleFormat that the decoder gives
+// out.
 [[nodiscard]] LavSampleFormat LavSampleFormatOf(SampleKind kind);
 [[nodiscard]] bool IsOutputFormat(int format);
 

@@ -12,7 +12,7 @@ namespace {
 
 using Microsoft::WRL::ComPtr;
 
-/// Enough for a renderer to stay ahead; a buffer holds a tenth of a second.
+// Enough for a renderer to stay ahead; a buffer holds a tenth of a second.
 constexpr LONG kOutputBuffers = 8;
 constexpr int kBuffersPerSecond = 10;
 constexpr double kPercent = 100.0;
@@ -134,7 +134,7 @@ void AudioSwitcherFilter::OnInputDisconnected() {
     input_.reset();
 }
 
-/// The input's own format comes first; a receiver may also have the same sound stored otherwise.
+// The input's own format comes first; a receiver may also have the same sound stored otherwise.
 std::vector<MediaType> AudioSwitcherFilter::OutputTypes() {
     std::vector<MediaType> types;
     const auto input = InputFormat();
@@ -226,7 +226,7 @@ HRESULT AudioSwitcherFilter::Drain() {
     return converter_ && converter_->Drain(bytes_) ? DeliverBytes(nextStart_) : S_OK;
 }
 
-/// Processes bytes_ and sends them in samples no larger than a buffer of any allocator.
+// Processes bytes_ and sends them in samples no larger than a buffer of any allocator.
 HRESULT AudioSwitcherFilter::DeliverBytes(std::optional<Time100ns> start) {
     const AudioFormat& format = converter_->output();
     const auto frameBytes = static_cast<std::size_t>(format.BytesPerFrame());

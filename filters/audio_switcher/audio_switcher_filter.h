@@ -11,9 +11,9 @@
 
 namespace brindlecast {
 
-/// Processing of uncompressed sound between decoder and renderer. The output keeps the format of its
-/// connection whatever comes in, because renderers may refuse a change in mid-stream. With normalisation and
-/// boost off and equal formats the samples pass unchanged.
+// Processing of uncompressed sound between decoder and renderer. The output keeps the format of its
+// connection whatever comes in, because renderers may refuse a change in mid-stream. With normalisation and
+// boost off and equal formats the samples pass unchanged.
 class AudioSwitcherFilter final : public TransformFilter, public IAudioSwitcherFilter {
 public:
     AudioSwitcherFilter();
@@ -56,7 +56,7 @@ protected:
     void* FindInterface(REFIID iid) noexcept override;
 
 private:
-    /// As the interface states them, in percent.
+    // As the interface states them, in percent.
     struct Loudness {
         bool normalize = false;
         UINT maxFactorPercent = 300;

@@ -14,13 +14,13 @@ namespace brindlecast {
 
 class BasePin;
 
-/// IBaseFilter with state, clock, graph and a list of pins.
-///
-/// Threads: the graph calls from the application's threads. The state lock guards state changes, connections
-/// and the list of pins. A streaming thread must never take it: it reads the atomic state, uses Notify, and
-/// has its own lock. Order of locks: state lock, then a streaming lock, then small leaf locks.
-///
-/// A derived filter overrides Pause, Run and Stop where it has work to do, and calls these.
+// IBaseFilter with state, clock, graph and a list of pins.
+//
+// Threads: the graph calls from the application's threads. The state lock guards state changes, connections
+// and the list of pins. A streaming thread must never take it: it reads the atomic state, uses Notify, and
+// has its own lock. Order of locks: state lock, then a streaming lock, then small leaf locks.
+//
+// A derived filter overrides Pause, Run and Stop where it has work to do, and calls these.
 class BaseFilter : public IBaseFilter, public IAMFilterMiscFlags, public RefCounted {
 public:
     BRINDLECAST_COM_METHODS
@@ -44,28 +44,28 @@ public:
 
     [[nodiscard]] FILTER_STATE State() const noexcept { return state_.load(); }
     [[nodiscard]] std::recursive_mutex& StateLock() noexcept { return stateLock_; }
-    /// The pins now, and their version for noticing changes.
+    // The pins now, and their version for noticing changes.
     [[nodiscard]] std::vector<BasePin*> PinSnapshot(int& version);
     [[nodiscard]] int PinVersion() const noexcept { return pinVersion_.load(); }
-    /// Tells the graph's event sink. Any thread, also a streaming one. E_NOTIMPL outside a graph.
+    // Tells the graph's event sink. Any thread, also a streaming one. E_NOTIMPL outside a graph.
     HRESULT Notify(long code, LONG_PTR first, LONG_PTR second);
-    /// The graph's clock, or null. Any thread.
+    // The graph's clock, or null. Any thread.
     [[nodiscard]] Microsoft::WRL::ComPtr<IReferenceClock> Clock();
-    /// Clock time that belongs to stream time 0, as Run gave it.
+    // Clock time that belongs to stream time 0, as Run gave it.
     [[nodiscard]] REFERENCE_TIME StartTime() const noexcept { return startTime_.load(); }
-    /// True while the filter is in a graph.
+    // True while the filter is in a graph.
     [[nodiscard]] bool InGraph();
 
 protected:
-    /// `miscFlags` are the AM_FILTER_MISC_FLAGS_*; 0 for a transform, which then hides IAMFilterMiscFlags.
+    // `miscFlags` are the AM_FILTER_MISC_FLAGS_*; 0 for a transform, which then hides IAMFilterMiscFlags.
     explicit BaseFilter(const CLSID& clsid, ULONG miscFlags = 0);
     ~BaseFilter() override;
 
-    /// The interface of that id as the right base of this object, or null. Overriders end with this one.
+    // The interface of that id as the right base of this object, or null. Overriders end with this one.
     [[nodiscard]] virtual void* FindInterface(REFIID iid) noexcept;
 
-    /// Takes over a pin. Pins live as long as the filter; a removed one stays allocated, because callers may
-    /// hold it.
+    // Takes over a pin. Pins live as long as the filter; a removed one stays allocated, because callers may
+    // hold it.
     void AddPin(std::unique_ptr<BasePin> pin);
 
 private:

@@ -4,11 +4,11 @@
 
 namespace brindlecast {
 
-/// What both kinds of pin share: identity, connection, media type, segment. A pin shares its filter's
-/// reference count.
-///
-/// Connection and disconnection happen under the filter's state lock. Streaming threads use Peer(), which has
-/// a lock of its own.
+// What both kinds of pin share: identity, connection, media type, segment. A pin shares its filter's
+// reference count.
+//
+// Connection and disconnection happen under the filter's state lock. Streaming threads use Peer(), which has
+// a lock of its own.
 class BasePin : public IPin, public IQualityControl {
 public:
     BasePin(const BasePin&) = delete;
@@ -43,12 +43,12 @@ public:
     [[nodiscard]] BaseFilter& Filter() const noexcept { return filter_; }
     [[nodiscard]] const std::wstring& Name() const noexcept { return name_; }
     [[nodiscard]] bool IsConnected();
-    /// The pin at the other end, referenced, or null. Any thread.
+    // The pin at the other end, referenced, or null. Any thread.
     [[nodiscard]] Microsoft::WRL::ComPtr<IPin> Peer();
-    /// A copy of the type of the connection (or of the last format change). Any thread.
+    // A copy of the type of the connection (or of the last format change). Any thread.
     [[nodiscard]] MediaType Type();
 
-    /// The segment last announced through this pin.
+    // The segment last announced through this pin.
     struct Segment {
         REFERENCE_TIME start = 0;
         REFERENCE_TIME stop = 0;
@@ -56,8 +56,8 @@ public:
     };
     [[nodiscard]] Segment CurrentSegment();
 
-    /// From stopped to paused, and back. Called under the state lock, for connected pins only. Overriders
-    /// call the base.
+    // From stopped to paused, and back. Called under the state lock, for connected pins only. Overriders
+    // call the base.
     virtual HRESULT Activate();
     virtual void Deactivate();
 
@@ -66,23 +66,23 @@ protected:
 
     [[nodiscard]] virtual void* FindInterface(REFIID iid) noexcept;
 
-    /// Types that this pin offers, best first. State lock held.
+    // Types that this pin offers, best first. State lock held.
     [[nodiscard]] virtual std::vector<MediaType> PreferredTypes() = 0;
-    /// S_OK when a connection or a format change to this type is possible. Never blocks; also called while
-    /// streaming.
+    // S_OK when a connection or a format change to this type is possible. Never blocks; also called while
+    // streaming.
     [[nodiscard]] virtual HRESULT CheckType(const MediaType& type) = 0;
-    /// The type of a connection being made was agreed on. May refuse.
+    // The type of a connection being made was agreed on. May refuse.
     virtual HRESULT OnTypeAgreed(const MediaType&) { return S_OK; }
-    /// The connection was made, or is being undone.
+    // The connection was made, or is being undone.
     virtual HRESULT OnConnected(IPin&) { return S_OK; }
     virtual void OnDisconnected() {}
-    /// True for a pin that may be connected and disconnected while its filter is paused or running.
+    // True for a pin that may be connected and disconnected while its filter is paused or running.
     [[nodiscard]] virtual bool ConnectsWhileActive() const { return false; }
 
     void SetPeer(IPin* peer);
     void SetType(const MediaType& type);
     void SetSegment(const Segment& segment);
-    /// The sink of SetSink, referenced, or null.
+    // The sink of SetSink, referenced, or null.
     [[nodiscard]] Microsoft::WRL::ComPtr<IQualityControl> QualitySink();
 
 private:

@@ -8,15 +8,15 @@
 
 namespace brindlecast {
 
-/// Number of live COM objects (and class factory locks) of the module this is linked into. DllCanUnloadNow
-/// asks it.
+// Number of live COM objects (and class factory locks) of the module this is linked into. DllCanUnloadNow
+// asks it.
 [[nodiscard]] long ModuleObjectCount() noexcept;
 void AddModuleObject() noexcept;
 void RemoveModuleObject() noexcept;
 
-/// Reference count of a COM object; starts at 1 and counts the object for its module. A class lists the
-/// interfaces as its first bases and this one last, overrides FindInterface, and has BRINDLECAST_COM_METHODS
-/// in its public part.
+// Reference count of a COM object; starts at 1 and counts the object for its module. A class lists the
+// interfaces as its first bases and this one last, overrides FindInterface, and has BRINDLECAST_COM_METHODS
+// in its public part.
 class RefCounted {
 public:
     RefCounted(const RefCounted&) = delete;
@@ -29,7 +29,7 @@ protected:
     RefCounted() noexcept { AddModuleObject(); }
     virtual ~RefCounted() { RemoveModuleObject(); }
 
-    /// The last reference has gone. Deletes the object unless a class keeps it for later use.
+    // The last reference has gone. Deletes the object unless a class keeps it for later use.
     virtual void OnLastRelease() noexcept { delete this; }
     void ReviveReference() noexcept { references_.store(1, std::memory_order_relaxed); }
 
@@ -37,7 +37,7 @@ private:
     std::atomic<ULONG> references_{1};
 };
 
-/// Answers a QueryInterface: `found` is the interface, already of the right base, or null.
+// Answers a QueryInterface: `found` is the interface, already of the right base, or null.
 template <class Object>
 HRESULT AnswerQuery(Object& object, void* found, void** out) noexcept {
     if (out == nullptr)
@@ -49,8 +49,8 @@ HRESULT AnswerQuery(Object& object, void* found, void** out) noexcept {
     return S_OK;
 }
 
-/// A pointer that takes over the reference of a new object. mingw-w64's ComPtr::Attach adds a second one,
-/// against its documentation, so it is not used.
+// A pointer that takes over the reference of a new object. mingw-w64's ComPtr::Attach adds a second one,
+// against its documentation, so it is not used.
 template <class Object>
 [[nodiscard]] Microsoft::WRL::ComPtr<Object> AdoptReference(Object* object) noexcept {
     Microsoft::WRL::ComPtr<Object> pointer;
@@ -58,7 +58,7 @@ template <class Object>
     return pointer;
 }
 
-/// The border between our code and a COM caller: an exception becomes an error code.
+// The border between our code and a COM caller: an exception becomes an error code.
 template <class Action>
 HRESULT Guarded(Action&& action) noexcept {
     try {

@@ -6,7 +6,7 @@
 
 namespace brindlecast {
 
-/// Walks a fixed list of media types. Any thread may hold it, one at a time may use it.
+// Walks a fixed list of media types. Any thread may hold it, one at a time may use it.
 class MediaTypeEnumerator final : public IEnumMediaTypes, public RefCounted {
 public:
     explicit MediaTypeEnumerator(std::vector<MediaType> types, ULONG position = 0) noexcept
@@ -29,8 +29,8 @@ private:
     ULONG position_;
 };
 
-/// Walks a filter's pins as they were at its creation or last Reset; when pins have changed since, Next and
-/// Skip answer VFW_E_ENUM_OUT_OF_SYNC.
+// Walks a filter's pins as they were at its creation or last Reset; when pins have changed since, Next and
+// Skip answer VFW_E_ENUM_OUT_OF_SYNC.
 class PinEnumerator final : public IEnumPins, public RefCounted {
 public:
     PinEnumerator(BaseFilter& filter, ULONG position);

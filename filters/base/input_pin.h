@@ -4,7 +4,7 @@
 
 namespace brindlecast {
 
-/// A pin that receives. Checks state, flush and end of stream before a sample reaches the filter's OnSample.
+// A pin that receives. Checks state, flush and end of stream before a sample reaches the filter's OnSample.
 class InputPin : public BasePin, public IMemInputPin {
 public:
     BRINDLECAST_COM_METHODS
@@ -14,7 +14,7 @@ public:
     STDMETHODIMP BeginFlush() override;
     STDMETHODIMP EndFlush() override;
     STDMETHODIMP NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) override;
-    /// Quality messages that this filter makes go to its sink, else to the pin upstream.
+    // Quality messages that this filter makes go to its sink, else to the pin upstream.
     STDMETHODIMP Notify(IBaseFilter* sender, Quality quality) override;
 
     STDMETHODIMP GetAllocator(IMemAllocator** allocator) override;
@@ -37,15 +37,15 @@ protected:
     [[nodiscard]] std::vector<MediaType> PreferredTypes() override { return {}; }
     void OnDisconnected() override;
 
-    /// A sample in an active, not flushing filter, on the upstream streaming thread. A format change that the
-    /// sample carries has been checked by CheckType and told by OnFormatChange before.
+    // A sample in an active, not flushing filter, on the upstream streaming thread. A format change that the
+    // sample carries has been checked by CheckType and told by OnFormatChange before.
     virtual HRESULT OnSample(IMediaSample& sample) = 0;
     virtual HRESULT OnFormatChange(const MediaType& type) = 0;
-    /// End of the stream, on the streaming thread. Not called while flushing or stopped.
+    // End of the stream, on the streaming thread. Not called while flushing or stopped.
     virtual HRESULT OnEndOfStream() = 0;
-    /// Flush begins: end every wait of the streaming thread and pass it on. OnSample is refused from now on.
+    // Flush begins: end every wait of the streaming thread and pass it on. OnSample is refused from now on.
     virtual HRESULT OnBeginFlush() = 0;
-    /// Flush ends: wait until the streaming thread has left, drop what is held, pass it on.
+    // Flush ends: wait until the streaming thread has left, drop what is held, pass it on.
     virtual HRESULT OnEndFlush() = 0;
     virtual HRESULT OnNewSegment(const Segment&) { return S_OK; }
 

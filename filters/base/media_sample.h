@@ -13,24 +13,24 @@ namespace brindlecast {
 inline constexpr GUID kIidSampleSideData = {
     0x8f0b7f54, 0x2a6e, 0x4d0b, {0xa6, 0x1d, 0x42, 0x52, 0x4e, 0x44, 0x53, 0x44}};
 
-/// Extra data on a media sample: any number of blocks, each under a GUID that says what it is. Samples of
-/// SampleAllocator offer it through QueryInterface. Whoever holds the sample may call; no locking, like the
-/// rest of a sample.
+// Extra data on a media sample: any number of blocks, each under a GUID that says what it is. Samples of
+// SampleAllocator offer it through QueryInterface. Whoever holds the sample may call; no locking, like the
+// rest of a sample.
 struct ISampleSideData : public IUnknown {
-    /// Stores a copy, in place of an earlier block of that kind; a size of 0 removes it.
+    // Stores a copy, in place of an earlier block of that kind; a size of 0 removes it.
     virtual HRESULT STDMETHODCALLTYPE SetSideData(REFGUID kind, const BYTE* data, ULONG size) = 0;
-    /// Gives the block, which the sample keeps and which lives until the sample is released or changed.
-    /// E_FAIL without a block of that kind.
+    // Gives the block, which the sample keeps and which lives until the sample is released or changed.
+    // E_FAIL without a block of that kind.
     virtual HRESULT STDMETHODCALLTYPE GetSideData(REFGUID kind, const BYTE** data, ULONG* size) = 0;
-    /// Number of blocks.
+    // Number of blocks.
     virtual ULONG STDMETHODCALLTYPE GetSideDataCount() = 0;
-    /// Kind of a block by its number. E_INVALIDARG beyond the count.
+    // Kind of a block by its number. E_INVALIDARG beyond the count.
     virtual HRESULT STDMETHODCALLTYPE GetSideDataKind(ULONG index, GUID* kind) = 0;
 };
 
 class SampleAllocator;
 
-/// A media sample of SampleAllocator. Its buffer grows on demand, within what its user asks of Reserve.
+// A media sample of SampleAllocator. Its buffer grows on demand, within what its user asks of Reserve.
 class MediaSample final : public IMediaSample, public ISampleSideData, public RefCounted {
 public:
     MediaSample();
@@ -77,7 +77,7 @@ private:
     ~MediaSample() override = default;
     void* FindInterface(REFIID iid) noexcept;
     void OnLastRelease() noexcept override;
-    /// Makes the buffer at least that large; false when memory runs out. Old content is lost on growth.
+    // Makes the buffer at least that large; false when memory runs out. Old content is lost on growth.
     bool Reserve(LONG size, LONG alignment) noexcept;
     void ResetForUse(SampleAllocator& owner) noexcept;
 

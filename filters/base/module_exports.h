@@ -6,13 +6,13 @@
 
 namespace brindlecast {
 
-/// One class that a module creates. `create` makes an object with one reference and answers the query on it.
+// One class that a module creates. `create` makes an object with one reference and answers the query on it.
 struct ModuleClass {
     const CLSID* clsid;
     HRESULT (*create)(REFIID iid, void** out) noexcept;
 };
 
-/// Makes a ref-counted T (default constructor) and hands out the interface asked for.
+// Makes a ref-counted T (default constructor) and hands out the interface asked for.
 template <class T>
 HRESULT CreateObject(REFIID iid, void** out) noexcept {
     return Guarded([&] {
@@ -26,12 +26,12 @@ HRESULT CreateObject(REFIID iid, void** out) noexcept {
     });
 }
 
-/// The work of DllGetClassObject over a module's table. CLASS_E_CLASSNOTAVAILABLE for an unknown class. The
-/// table must outlive every factory: make it static.
+// The work of DllGetClassObject over a module's table. CLASS_E_CLASSNOTAVAILABLE for an unknown class. The
+// table must outlive every factory: make it static.
 [[nodiscard]] HRESULT ModuleGetClassObject(std::span<const ModuleClass> classes, REFCLSID clsid, REFIID iid,
                                            void** out) noexcept;
 
-/// The work of DllCanUnloadNow: S_OK when no object of the module lives, else S_FALSE.
+// The work of DllCanUnloadNow: S_OK when no object of the module lives, else S_FALSE.
 [[nodiscard]] HRESULT ModuleCanUnloadNow() noexcept;
 
 } // namespace brindlecast

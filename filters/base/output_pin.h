@@ -4,7 +4,7 @@
 
 namespace brindlecast {
 
-/// A pin that delivers. Negotiates type and allocator when it connects; passes calls downstream.
+// A pin that delivers. Negotiates type and allocator when it connects; passes calls downstream.
 class OutputPin : public BasePin {
 public:
     STDMETHODIMP Connect(IPin* receiver, const AM_MEDIA_TYPE* type) override;
@@ -13,10 +13,10 @@ public:
     void Deactivate() override;
 
     // For the streaming thread. All answer VFW_E_NOT_CONNECTED without a connection.
-    /// Blocks until a buffer is free, or VFW_E_NOT_COMMITTED after Deactivate. `size` is what the caller will
-    /// write; the answer holds at least that much, else VFW_E_BUFFER_OVERFLOW from a foreign allocator.
+    // Blocks until a buffer is free, or VFW_E_NOT_COMMITTED after Deactivate. `size` is what the caller will
+    // write; the answer holds at least that much, else VFW_E_BUFFER_OVERFLOW from a foreign allocator.
     HRESULT GetBuffer(IMediaSample** sample, LONG size, DWORD flags = 0);
-    /// May block in the receiver. Anything but S_OK means: deliver no more until a flush or restart.
+    // May block in the receiver. Anything but S_OK means: deliver no more until a flush or restart.
     HRESULT Deliver(IMediaSample* sample);
     HRESULT DeliverEndOfStream();
     HRESULT DeliverNewSegment(const Segment& segment);
@@ -24,17 +24,17 @@ public:
     HRESULT DeliverBeginFlush();
     HRESULT DeliverEndFlush();
 
-    /// Changes the format of an existing connection: asks the receiver's QueryAccept, makes buffers large
-    /// enough, and attaches the type to the next sample delivered. VFW_E_TYPE_NOT_ACCEPTED when the receiver
-    /// refuses. Streaming thread only.
+    // Changes the format of an existing connection: asks the receiver's QueryAccept, makes buffers large
+    // enough, and attaches the type to the next sample delivered. VFW_E_TYPE_NOT_ACCEPTED when the receiver
+    // refuses. Streaming thread only.
     HRESULT ChangeType(const MediaType& type, LONG bufferSize);
 
 protected:
     OutputPin(BaseFilter& filter, std::wstring name);
 
-    /// Number and size of buffers that the connection needs. State lock held; Type() is already agreed.
+    // Number and size of buffers that the connection needs. State lock held; Type() is already agreed.
     [[nodiscard]] virtual ALLOCATOR_PROPERTIES BufferNeeds() = 0;
-    /// True to try the receiver's allocator before ours (for receivers whose buffers are worth having).
+    // True to try the receiver's allocator before ours (for receivers whose buffers are worth having).
     [[nodiscard]] virtual bool PrefersReceiversAllocator() const { return false; }
     HRESULT OnConnected(IPin& receiver) override;
     void OnDisconnected() override;

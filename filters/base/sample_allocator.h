@@ -10,16 +10,16 @@ namespace brindlecast {
 inline constexpr GUID kIidGrowingAllocator = {
     0x3b7e6f0c, 0x51d4, 0x4c8e, {0x9f, 0x20, 0x42, 0x52, 0x4e, 0x44, 0x47, 0x41}};
 
-/// An allocator whose buffers may become larger while it is committed and samples are out.
+// An allocator whose buffers may become larger while it is committed and samples are out.
 struct IGrowingAllocator : public IUnknown {
-    /// Like IMemAllocator::GetBuffer without times, for a sample of at least `size` bytes.
+    // Like IMemAllocator::GetBuffer without times, for a sample of at least `size` bytes.
     virtual HRESULT STDMETHODCALLTYPE GetBufferOfSize(LONG size, IMediaSample** sample, DWORD flags) = 0;
-    /// Buffers handed out from now on hold at least that much.
+    // Buffers handed out from now on hold at least that much.
     virtual HRESULT STDMETHODCALLTYPE GrowBuffers(LONG size) = 0;
 };
 
-/// A pool of MediaSample. GetBuffer blocks until a sample is free; Decommit ends every wait with
-/// VFW_E_NOT_COMMITTED, and the memory goes when the last sample has come back. Any thread.
+// A pool of MediaSample. GetBuffer blocks until a sample is free; Decommit ends every wait with
+// VFW_E_NOT_COMMITTED, and the memory goes when the last sample has come back. Any thread.
 class SampleAllocator final : public IMemAllocator, public IGrowingAllocator, public RefCounted {
 public:
     SampleAllocator() = default;
@@ -37,7 +37,7 @@ public:
     STDMETHODIMP GetBufferOfSize(LONG size, IMediaSample** sample, DWORD flags) override;
     STDMETHODIMP GrowBuffers(LONG size) override;
 
-    /// Called by a sample whose last reference went.
+    // Called by a sample whose last reference went.
     void TakeBack(MediaSample* sample) noexcept;
 
 private:

@@ -54,7 +54,7 @@ bool HasConfigurationRecord(const AVCodecParameters& parameters) {
     return parameters.extradata_size > 6 && parameters.extradata[0] == 1;
 }
 
-/// 0 when the codec has no FOURCC.
+// 0 when the codec has no FOURCC.
 std::uint32_t VideoTagFor(const AVCodecParameters& parameters) {
     if (parameters.codec_id == AV_CODEC_ID_H264 && HasConfigurationRecord(parameters))
         return FourCc('A', 'V', 'C', '1');
@@ -116,7 +116,7 @@ void FillVideoHeader(VIDEOINFOHEADER2& header, const AVCodecParameters& paramete
     bitmap.biSizeImage = static_cast<DWORD>(std::min<std::int64_t>(imageSize, 0x7fffffff));
 }
 
-/// Reads the configuration records of MP4 byte by byte; past the end it answers zeros and remembers.
+// Reads the configuration records of MP4 byte by byte; past the end it answers zeros and remembers.
 class RecordReader {
 public:
     RecordReader(const std::uint8_t* data, int size) : data_(data), size_(static_cast<std::size_t>(size)) {}
@@ -128,7 +128,7 @@ public:
         const std::uint32_t high = Next8();
         return high << 8 | Next8();
     }
-    /// A unit behind a 16-bit length, appended with that length; false at the end of the data.
+    // A unit behind a 16-bit length, appended with that length; false at the end of the data.
     bool AppendUnit(std::vector<std::uint8_t>& out) {
         const std::uint32_t length = Next16();
         if (position_ + length > size_)
@@ -146,7 +146,7 @@ private:
     std::size_t position_ = 0;
 };
 
-/// Parameter sets behind 16-bit lengths, from avcC or hvcC.
+// Parameter sets behind 16-bit lengths, from avcC or hvcC.
 std::vector<std::uint8_t> ParameterSets(const AVCodecParameters& parameters) {
     std::vector<std::uint8_t> sets;
     RecordReader reader(parameters.extradata, parameters.extradata_size);
@@ -241,7 +241,7 @@ AVCodecID PcmCodec(std::uint16_t tag, int bits) {
     }
 }
 
-/// 0 when the codec has no wave tag that leads back to it.
+// 0 when the codec has no wave tag that leads back to it.
 std::uint16_t AudioTagFor(const AVCodecParameters& parameters) {
     if (parameters.codec_id == AV_CODEC_ID_AAC)
         return parameters.extradata_size > 0 ? kTagRawAac : kTagAdtsAac;
@@ -329,7 +329,7 @@ AVCodecID VideoCodecOf(const AM_MEDIA_TYPE& type, DWORD compression) {
     return codec != AV_CODEC_ID_NONE || tag ? codec : VideoCodecFor(compression);
 }
 
-/// avcC from the parameter sets of an MPEG2VIDEOINFO, which stand behind 16-bit lengths.
+// avcC from the parameter sets of an MPEG2VIDEOINFO, which stand behind 16-bit lengths.
 std::vector<std::uint8_t> AvcRecord(const std::uint8_t* sets, std::size_t size, unsigned lengthBytes) {
     std::vector<std::uint8_t> sequence;
     std::vector<std::uint8_t> picture;

@@ -43,45 +43,45 @@ namespace brindlecast {
 // stream's own (display matrix, mastering display, content light level), travel through ISampleSideData of
 // media_sample.h under PacketSideDataKind(AVPacketSideDataType), with the bytes as libavcodec defines them.
 
-/// Format type of subtitle media types: the block is the codec's extradata.
+// Format type of subtitle media types: the block is the codec's extradata.
 inline constexpr GUID kFormatSubtitle = {
     0x5c1f6e0a, 0x3d52, 0x4a0e, {0x91, 0x7b, 0x42, 0x52, 0x4e, 0x44, 0x53, 0x46}};
 
-/// Major type of subtitle streams.
+// Major type of subtitle streams.
 inline constexpr GUID kMediaTypeSubtitle = {
     0xe487eb08, 0x6b26, 0x4be9, {0x9d, 0xd3, 0x99, 0x34, 0x34, 0xd3, 0x13, 0xfd}};
 
-/// Subtype for an FFmpeg codec id that has no tag of its own.
+// Subtype for an FFmpeg codec id that has no tag of its own.
 [[nodiscard]] GUID CodecSubtype(std::uint32_t codecId);
 
-/// The codec id of a subtype made by CodecSubtype, if it is one.
+// The codec id of a subtype made by CodecSubtype, if it is one.
 [[nodiscard]] std::optional<std::uint32_t> CodecOfSubtype(const GUID& subtype);
 
-/// Subtype of a FOURCC or wave format tag, and back.
+// Subtype of a FOURCC or wave format tag, and back.
 [[nodiscard]] GUID TagSubtype(std::uint32_t tag);
 [[nodiscard]] std::optional<std::uint32_t> TagOfSubtype(const GUID& subtype);
 
-/// Key under which packet side data of an AVPacketSideDataType travels on samples.
+// Key under which packet side data of an AVPacketSideDataType travels on samples.
 [[nodiscard]] GUID PacketSideDataKind(std::uint32_t type);
 
-/// The AVPacketSideDataType of a key made by PacketSideDataKind, if it is one.
+// The AVPacketSideDataType of a key made by PacketSideDataKind, if it is one.
 [[nodiscard]] std::optional<std::uint32_t> PacketSideDataType(const GUID& kind);
 
-/// Facts about a stream that its codec parameters do not hold.
+// Facts about a stream that its codec parameters do not hold.
 struct StreamTiming {
-    std::int64_t frameDuration = 0; ///< video: 100 ns units a frame, 0 when unknown
-    int aspectX = 0;                ///< video: sample aspect ratio of the container, 0 when unknown
+    std::int64_t frameDuration = 0; // video: 100 ns units a frame, 0 when unknown
+    int aspectX = 0;                // video: sample aspect ratio of the container, 0 when unknown
     int aspectY = 0;
 };
 
-/// Media types for a stream, best first; empty when it cannot be expressed (no picture size, oversized
-/// extradata).
+// Media types for a stream, best first; empty when it cannot be expressed (no picture size, oversized
+// extradata).
 [[nodiscard]] std::vector<MediaType> MediaTypesFor(const AVCodecParameters& parameters,
                                                    const StreamTiming& timing);
 
-/// Codec parameters for a media type of any of the forms above, or null when none of our codecs is meant.
-/// Accepts foreign splitters' types as well: any FOURCC or wave tag that FFmpeg knows.
-/// The caller frees the result with avcodec_parameters_free.
+// Codec parameters for a media type of any of the forms above, or null when none of our codecs is meant.
+// Accepts foreign splitters' types as well: any FOURCC or wave tag that FFmpeg knows.
+// The caller frees the result with avcodec_parameters_free.
 [[nodiscard]] AVCodecParameters* ParametersFromMediaType(const AM_MEDIA_TYPE& type);
 
 } // namespace brindlecast

@@ -49,7 +49,7 @@ protected:
     }
 
 private:
-    /// A transform whose output leads nowhere takes flushes and segments in silence.
+    // A transform whose output leads nowhere takes flushes and segments in silence.
     static HRESULT Optional(HRESULT result) { return result == VFW_E_NOT_CONNECTED ? S_OK : result; }
 
     TransformFilter& filter_;

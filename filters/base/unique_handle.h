@@ -5,8 +5,8 @@
 
 namespace brindlecast {
 
-/// Owns a kernel handle and closes it. Null means empty; INVALID_HANDLE_VALUE is not used by the calls meant
-/// here.
+// Owns a kernel handle and closes it. Null means empty; INVALID_HANDLE_VALUE is not used by the calls meant
+// here.
 class UniqueHandle {
 public:
     UniqueHandle() noexcept = default;
@@ -28,7 +28,7 @@ private:
     HANDLE handle_ = nullptr;
 };
 
-/// A Win32 event. Creation failure throws std::bad_alloc: the kernel has no memory then.
+// A Win32 event. Creation failure throws std::bad_alloc: the kernel has no memory then.
 class Event {
 public:
     enum class Reset { Manual, Automatic };
@@ -37,7 +37,7 @@ public:
 
     void Set() const noexcept { SetEvent(handle_.Get()); }
     void Clear() const noexcept { ResetEvent(handle_.Get()); }
-    /// True when signalled within the time.
+    // True when signalled within the time.
     [[nodiscard]] bool Wait(DWORD milliseconds = INFINITE) const noexcept {
         return WaitForSingleObject(handle_.Get(), milliseconds) == WAIT_OBJECT_0;
     }

@@ -5,9 +5,9 @@
 
 namespace brindlecast {
 
-/// IMediaSeeking that hands every call to the filter upstream; E_NOTIMPL when there is none. A transform's
-/// output pin derives from it, and so may a renderer, which then overrides what it knows better. The class
-/// that derives brings IUnknown (BRINDLECAST_COM_METHODS).
+// IMediaSeeking that hands every call to the filter upstream; E_NOTIMPL when there is none. A transform's
+// output pin derives from it, and so may a renderer, which then overrides what it knows better. The class
+// that derives brings IUnknown (BRINDLECAST_COM_METHODS).
 class UpstreamSeeking : public IMediaSeeking {
 public:
     STDMETHODIMP GetCapabilities(DWORD* capabilities) override;
@@ -33,7 +33,7 @@ public:
 protected:
     ~UpstreamSeeking() = default;
 
-    /// The pin at the other end of the input pin, or null.
+    // The pin at the other end of the input pin, or null.
     [[nodiscard]] virtual Microsoft::WRL::ComPtr<IPin> UpstreamPin() = 0;
 
 private:

@@ -6,7 +6,7 @@
 namespace brindlecast {
 namespace {
 
-/// 24-bit samples are handled as 32-bit ones whose lowest byte is left out.
+// 24-bit samples are handled as 32-bit ones whose lowest byte is left out.
 AVSampleFormat LibraryFormat(SampleKind kind) {
     switch (kind) {
     case SampleKind::kUnsigned8: return AV_SAMPLE_FMT_U8;
@@ -18,7 +18,7 @@ AVSampleFormat LibraryFormat(SampleKind kind) {
     return AV_SAMPLE_FMT_FLT;
 }
 
-/// A layout that needs no release: a mask, or nothing but a number of channels.
+// A layout that needs no release: a mask, or nothing but a number of channels.
 AVChannelLayout LayoutFor(int channels, std::uint64_t mask) {
     AVChannelLayout layout{};
     if (mask == 0 || std::popcount(mask) != channels) {

@@ -12,31 +12,31 @@ extern "C" {
 
 namespace brindlecast {
 
-/// Turns decoded sound into interleaved sound of one fixed format: sample kind, channels, rate. Where nothing
-/// differs but the storage, the values pass unchanged. One thread at a time.
+// Turns decoded sound into interleaved sound of one fixed format: sample kind, channels, rate. Where nothing
+// differs but the storage, the values pass unchanged. One thread at a time.
 class AudioConverter {
 public:
-    /// `output` must be valid.
+    // `output` must be valid.
     explicit AudioConverter(const AudioFormat& output) : output_(output) {}
 
     [[nodiscard]] const AudioFormat& output() const { return output_; }
 
-    /// Appends `frame` to `bytes`. A change of the source's format is followed at once. False when the source
-    /// can't be converted.
+    // Appends `frame` to `bytes`. A change of the source's format is followed at once. False when the source
+    // can't be converted.
     [[nodiscard]] bool Convert(const AVFrame& frame, std::vector<std::uint8_t>& bytes);
 
-    /// The same for interleaved sound; `frames` sample frames at `data`.
+    // The same for interleaved sound; `frames` sample frames at `data`.
     [[nodiscard]] bool Convert(const AudioFormat& source, const std::uint8_t* data, int frames,
                                std::vector<std::uint8_t>& bytes);
 
-    /// How much sound a change of the rate holds back: the next converted sample belongs that much before the
-    /// next source sample.
+    // How much sound a change of the rate holds back: the next converted sample belongs that much before the
+    // next source sample.
     [[nodiscard]] Time100ns HeldBack() const;
 
-    /// Appends what a change of the rate still holds back.
+    // Appends what a change of the rate still holds back.
     [[nodiscard]] bool Drain(std::vector<std::uint8_t>& bytes);
 
-    /// Forgets what is held back.
+    // Forgets what is held back.
     void Flush() { resampler_.reset(); }
 
 private:

@@ -16,12 +16,12 @@ extern "C" {
 namespace brindlecast {
 namespace {
 
-/// Packet times that stray no further from the count of samples are rounding; beyond it there is a gap.
+// Packet times that stray no further from the count of samples are rounding; beyond it there is a gap.
 constexpr Time100ns kMaxStray = 150'000;
-/// More than any packet holds frames.
+// More than any packet holds frames.
 constexpr int kMaxFailuresInARow = 64;
 
-/// The layout of AV_PKT_DATA_SKIP_SAMPLES: two 32-bit little-endian counts and two bytes of reasons.
+// The layout of AV_PKT_DATA_SKIP_SAMPLES: two 32-bit little-endian counts and two bytes of reasons.
 bool AddSkipping(AVPacket& packet, std::uint32_t atStart, std::uint32_t atEnd) {
     constexpr std::size_t kBytes = 10;
     std::uint8_t* data = av_packet_new_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, kBytes);
@@ -205,7 +205,7 @@ bool AudioDecoder::Emit(FramePtr samples, const Sink& sink) {
     return sink({std::move(samples), start, std::exchange(discontinuity_, false)});
 }
 
-/// Counts on from the last known time, unless there is none or the packet's own time tells of a gap.
+// Counts on from the last known time, unless there is none or the packet's own time tells of a gap.
 void AudioDecoder::PlaceOnTimeLine(const AVFrame& samples) {
     const Time100ns own = samples.best_effort_timestamp;
     if (anchor_ != kNoTime) {

@@ -11,10 +11,10 @@ extern "C" {
 
 namespace brindlecast {
 
-/// Times in units of 100 ns.
+// Times in units of 100 ns.
 using Time100ns = std::int64_t;
 inline constexpr Time100ns kTime100nsPerSecond = 10'000'000;
-/// Stands for a time that is not known.
+// Stands for a time that is not known.
 inline constexpr Time100ns kNoTime = std::numeric_limits<Time100ns>::min();
 inline constexpr AVRational kTimebase100ns = {1, static_cast<int>(kTime100nsPerSecond)};
 static_assert(kNoTime == AV_NOPTS_VALUE);

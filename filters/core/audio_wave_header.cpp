@@ -13,7 +13,7 @@ constexpr std::uint16_t kTagExtensible = 0xFFFE;
 constexpr std::size_t kShortBytes = 18;
 constexpr std::size_t kExtensionBytes = 22;
 
-/// What follows the tag in the subformat of a WAVEFORMATEXTENSIBLE.
+// What follows the tag in the subformat of a WAVEFORMATEXTENSIBLE.
 constexpr std::array<std::uint8_t, 14> kSubformatRest = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
                                                          0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 

@@ -76,8 +76,8 @@ int DemuxFile::OpenContext(const std::string& path) {
     return avformat_find_stream_info(context, nullptr);
 }
 
-/// The container's start, in our units. FFmpeg keeps it in microseconds; the stream that it came from is
-/// exact.
+// The container's start, in our units. FFmpeg keeps it in microseconds; the stream that it came from is
+// exact.
 void DemuxFile::FindStart() {
     if (context_->start_time == AV_NOPTS_VALUE)
         return;
@@ -156,8 +156,8 @@ bool DemuxFile::Seek(DemuxTime target, int stream) {
     return went;
 }
 
-/// The first keyframe may be decoded before time 0, so that a place well before it is asked for; formats that
-/// refuse that are asked for the start itself.
+// The first keyframe may be decoded before time 0, so that a place well before it is asked for; formats that
+// refuse that are asked for the start itself.
 bool DemuxFile::SeekToStart(int containerIndex) {
     return SeekRaw(containerIndex, ToTimestamp(containerIndex, -10 * kSecond)) ||
            SeekRaw(containerIndex, ToTimestamp(containerIndex, 0)) ||

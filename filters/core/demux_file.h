@@ -16,24 +16,24 @@ struct AvPacketFree {
 };
 using AvPacketPointer = std::unique_ptr<AVPacket, AvPacketFree>;
 
-/// One packet of a listed stream.
+// One packet of a listed stream.
 struct DemuxPacket {
-    AvPacketPointer data;           ///< payload and side data; its own times are in the stream's time base
-    int stream = -1;                ///< position in DemuxFile::Streams
-    std::optional<DemuxTime> start; ///< presentation time; unknown in some containers
-    DemuxTime duration = 0;         ///< 0 when unknown
+    AvPacketPointer data;           // payload and side data; its own times are in the stream's time base
+    int stream = -1;                // position in DemuxFile::Streams
+    std::optional<DemuxTime> start; // presentation time; unknown in some containers
+    DemuxTime duration = 0;         // 0 when unknown
     bool keyframe = false;
-    bool discard = false; ///< to be decoded but not shown (edit lists)
+    bool discard = false; // to be decoded but not shown (edit lists)
 
     [[nodiscard]] std::size_t Bytes() const;
 };
 
-/// An open media file. One thread at a time, except Interrupt and the constant descriptions.
+// An open media file. One thread at a time, except Interrupt and the constant descriptions.
 class DemuxFile {
 public:
-    /// `path` is UTF-8, a local file. Null with a negative FFmpeg error code when it is no media file, or has
-    /// neither sound nor video that can be decoded. Reads the file's head and index: milliseconds, more on
-    /// slow disks.
+    // `path` is UTF-8, a local file. Null with a negative FFmpeg error code when it is no media file, or has
+    // neither sound nor video that can be decoded. Reads the file's head and index: milliseconds, more on
+    // slow disks.
     static std::unique_ptr<DemuxFile> Open(const std::string& path, int& error);
     ~DemuxFile();
 
@@ -41,29 +41,29 @@ public:
     DemuxFile& operator=(const DemuxFile&) = delete;
 
     [[nodiscard]] const std::vector<DemuxStream>& Streams() const { return streams_; }
-    /// 0 when unknown.
+    // 0 when unknown.
     [[nodiscard]] DemuxTime Duration() const { return duration_; }
 
-    /// Reads the container's index of the stream's keyframes. Called once, before the first Read; leaves the
-    /// file at its start. Afterwards Seek goes by this table. For a stream that has no trustworthy index the
-    /// table stays empty.
+    // Reads the container's index of the stream's keyframes. Called once, before the first Read; leaves the
+    // file at its start. Afterwards Seek goes by this table. For a stream that has no trustworthy index the
+    // table stays empty.
     void LoadKeyframes(int stream);
-    /// Presentation times, strictly rising. Empty: there is no table.
+    // Presentation times, strictly rising. Empty: there is no table.
     [[nodiscard]] const std::vector<DemuxTime>& Keyframes() const { return keyframes_; }
-    /// True when the index says that every frame is a keyframe (the table is empty then).
+    // True when the index says that every frame is a keyframe (the table is empty then).
     [[nodiscard]] bool AllIntra() const { return allIntra_; }
 
-    /// Goes to where reading must begin to show `target`: the keyframe of `stream` at or before it, or the
-    /// packet of a stream without keyframes. Packets of `stream` before that keyframe are not given by Read.
-    /// False when the file cannot seek; the place is then unknown.
+    // Goes to where reading must begin to show `target`: the keyframe of `stream` at or before it, or the
+    // packet of a stream without keyframes. Packets of `stream` before that keyframe are not given by Read.
+    // False when the file cannot seek; the place is then unknown.
     bool Seek(DemuxTime target, int stream);
 
     enum class ReadResult { Packet, End, Failed };
-    /// The next packet of a listed stream. Damaged data is skipped, End is also the answer at a truncated
-    /// end.
+    // The next packet of a listed stream. Damaged data is skipped, End is also the answer at a truncated
+    // end.
     ReadResult Read(DemuxPacket& packet);
 
-    /// Makes a running or the next Read fail soon (any thread), or possible again (when none is running).
+    // Makes a running or the next Read fail soon (any thread), or possible again (when none is running).
     void Interrupt(bool interrupt) { input_->Interrupt(interrupt); }
 
 private:
@@ -95,8 +95,8 @@ private:
     ReadResult ReadRaw(DemuxPacket& packet);
     bool SeekRaw(int containerIndex, std::int64_t timestamp);
     bool SeekToStart(int containerIndex);
-    /// Reads on to the first keyframe of the stream, keeping the packets for Read; its time, if there was
-    /// one.
+    // Reads on to the first keyframe of the stream, keeping the packets for Read; its time, if there was
+    // one.
     std::optional<DemuxTime> ReadToKeyframe(int stream);
 
     // Order matters: the context uses the input.

@@ -11,10 +11,10 @@ extern "C" {
 
 namespace brindlecast {
 
-/// Bytes of a local file for libavformat. One thread at a time; Interrupt may come from any.
+// Bytes of a local file for libavformat. One thread at a time; Interrupt may come from any.
 class DemuxInput {
 public:
-    /// `path` is UTF-8. Null with a negative FFmpeg error code when the file cannot be opened.
+    // `path` is UTF-8. Null with a negative FFmpeg error code when the file cannot be opened.
     static std::unique_ptr<DemuxInput> Open(const std::string& path, int& error);
     ~DemuxInput();
 
@@ -24,12 +24,12 @@ public:
     [[nodiscard]] AVIOContext* Context() const { return outer_; }
     [[nodiscard]] std::int64_t Size() const { return size_; }
 
-    /// While blank, a read gives one zero byte and then the end, without touching the file: a demuxer that
-    /// walks its index this way tells the times of packets and loads none of them.
+    // While blank, a read gives one zero byte and then the end, without touching the file: a demuxer that
+    // walks its index this way tells the times of packets and loads none of them.
     void SetBlank(bool blank);
 
-    /// While set, reads fail with AVERROR_EXIT. Setting may come from any thread, clearing from the reader's
-    /// turn only.
+    // While set, reads fail with AVERROR_EXIT. Setting may come from any thread, clearing from the reader's
+    // turn only.
     void Interrupt(bool interrupt);
 
 private:

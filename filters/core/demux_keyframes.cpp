@@ -15,8 +15,8 @@ namespace {
 
 enum class IndexTimes { Unknown, Presentation, Decoding };
 
-/// What the index of a container counts in. Only containers whose index is known to hold every keyframe
-/// count.
+// What the index of a container counts in. Only containers whose index is known to hold every keyframe
+// count.
 IndexTimes TimesOf(const AVFormatContext& context) {
     const std::string_view name = context.iformat->name;
     if (name.starts_with("matroska"))
@@ -26,7 +26,7 @@ IndexTimes TimesOf(const AVFormatContext& context) {
     return IndexTimes::Unknown;
 }
 
-/// Keeps the demuxer's flags and FFmpeg's own reading of payloads out of a walk over blank packets.
+// Keeps the demuxer's flags and FFmpeg's own reading of payloads out of a walk over blank packets.
 class BlankReading {
 public:
     BlankReading(AVFormatContext& context, DemuxInput& input)
@@ -126,7 +126,7 @@ bool DemuxFile::Append(std::vector<IndexEntry>& entries, IndexEntry entry) {
     return true;
 }
 
-/// For an index of presentation times.
+// For an index of presentation times.
 std::vector<DemuxFile::IndexEntry> DemuxFile::TimedEntries(int containerIndex,
                                                            const std::vector<AVIndexEntry>& stored) const {
     std::vector<IndexEntry> entries;
@@ -138,9 +138,9 @@ std::vector<DemuxFile::IndexEntry> DemuxFile::TimedEntries(int containerIndex,
     return entries;
 }
 
-/// For an index of decoding times: goes to each keyframe and looks at the packet's presentation time. Seeks
-/// count in presentation time, so the place to ask for is guessed from the keyframe before, then from the one
-/// behind.
+// For an index of decoding times: goes to each keyframe and looks at the packet's presentation time. Seeks
+// count in presentation time, so the place to ask for is guessed from the keyframe before, then from the one
+// behind.
 std::vector<DemuxFile::IndexEntry> DemuxFile::PresentedEntries(int containerIndex,
                                                                const std::vector<AVIndexEntry>& stored) {
     std::vector<IndexEntry> entries;
@@ -163,7 +163,7 @@ std::vector<DemuxFile::IndexEntry> DemuxFile::PresentedEntries(int containerInde
     return entries;
 }
 
-/// Presentation timestamp of the keyframe with that decoding timestamp when a seek to `place` leads to it.
+// Presentation timestamp of the keyframe with that decoding timestamp when a seek to `place` leads to it.
 std::optional<std::int64_t> DemuxFile::PresentationOf(int containerIndex, std::int64_t place,
                                                       std::int64_t decoded) {
     if (!SeekRaw(containerIndex, place))
@@ -183,7 +183,7 @@ DemuxTime DemuxFile::WidestGap(const std::vector<IndexEntry>& entries) {
     return widest;
 }
 
-/// An index that was cut short, or made up while reading, ends long before the file does.
+// An index that was cut short, or made up while reading, ends long before the file does.
 bool DemuxFile::SpansFile(const std::vector<IndexEntry>& entries) const {
     if (entries.size() < 2 || duration_ <= 0)
         return false;

@@ -5,7 +5,7 @@
 namespace brindlecast {
 namespace {
 
-/// How long before the play position sound is kept.
+// How long before the play position sound is kept.
 constexpr DemuxTime kKeptBehind = 10'000'000;
 
 DemuxTime EndOf(const DemuxPacket& packet) {
@@ -128,7 +128,7 @@ void PacketQueues::DropFront(Lane& lane) {
         --lane.next;
 }
 
-/// Lets go of sound that no track switch will ask for any more.
+// Lets go of sound that no track switch will ask for any more.
 void PacketQueues::Trim(Lane& lane) {
     while (!lane.packets.empty() && (lane.next > 0 || !IsSelected(lane)) &&
            EndOf(*lane.packets.front()) < playPosition_ - kKeptBehind)

@@ -34,7 +34,7 @@ std::optional<StreamKind> KindOf(const AVStream& stream) {
     }
 }
 
-/// Frame duration from the average rate. A rate beyond what any film has is a clock tick taken for a frame.
+// Frame duration from the average rate. A rate beyond what any film has is a clock tick taken for a frame.
 DemuxTime FrameDuration(AVFormatContext& context, AVStream& stream) {
     constexpr double kHighestRate = 300.0;
     AVRational rate = stream.avg_frame_rate;

@@ -8,12 +8,12 @@
 namespace brindlecast {
 namespace {
 
-/// Sample frames that share one factor before smoothing: short enough to follow a drum, long enough to be
-/// cheap.
+// Sample frames that share one factor before smoothing: short enough to follow a drum, long enough to be
+// cheap.
 constexpr int kStretch = 16;
-/// The gain falls over this many stretches ahead of a loud sample (about 5 ms).
+// The gain falls over this many stretches ahead of a loud sample (about 5 ms).
 constexpr double kFallPerStretch = 0.93;
-/// Speeds of rising: normalisation must not pump, the limiter must let go soon.
+// Speeds of rising: normalisation must not pump, the limiter must let go soon.
 constexpr double kNormalizationSecondsPerDoubling = 6.0;
 constexpr double kLimiterSecondsPerDoubling = 0.4;
 
@@ -44,7 +44,7 @@ void Store(std::uint8_t* to, T value) {
     std::memcpy(to, &value, sizeof value);
 }
 
-/// Largest integer of a kind; full scale of the waveform is one more.
+// Largest integer of a kind; full scale of the waveform is one more.
 double ScaleOf(SampleKind kind) {
     switch (kind) {
     case SampleKind::kUnsigned8: return 128.0;
@@ -139,8 +139,8 @@ void GainProcessor::Process(const AudioFormat& format, std::uint8_t* data, int f
     }
 }
 
-/// One factor a stretch, with the factors in between on a straight line that stays below both neighbours'
-/// limits.
+// One factor a stretch, with the factors in between on a straight line that stays below both neighbours'
+// limits.
 void GainProcessor::Amplify(std::span<float> samples, int channels, int sampleRate, GainEnvelope& envelope,
                             double ceiling, double secondsPerDoubling) {
     const std::size_t stretch = static_cast<std::size_t>(kStretch) * static_cast<std::size_t>(channels);

@@ -8,7 +8,7 @@ int Half(int value) {
     return (value + 1) / 2;
 }
 
-/// Bytes of one row of the first (or only) plane.
+// Bytes of one row of the first (or only) plane.
 std::ptrdiff_t FirstPitch(const PictureMemory& memory) {
     switch (memory.format) {
     case PixelFormat::kNv12:

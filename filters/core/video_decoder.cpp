@@ -10,13 +10,13 @@
 namespace brindlecast {
 namespace {
 
-/// Containers round times to a millisecond: a picture that close before the start of the segment is meant.
+// Containers round times to a millisecond: a picture that close before the start of the segment is meant.
 constexpr Time100ns kContainerRounding = 10'000;
 constexpr Time100ns kAssumedFrameDuration = kTime100nsPerSecond / 25;
 
-/// Frame threads beyond these cost memory and seeking time and bring nothing.
+// Frame threads beyond these cost memory and seeking time and bring nothing.
 constexpr int kMaxThreads = 16;
-/// More than there are threads that can each hold a broken picture.
+// More than there are threads that can each hold a broken picture.
 constexpr int kMaxFailuresInARow = 64;
 
 void AddSideData(AVPacket& packet, const CodecSideData& block) {
@@ -102,10 +102,10 @@ bool VideoDecoder::Drain(const Sink& sink) {
     return goesOn;
 }
 
-/// Frame threads and reordering hold the first picture back until several packets more have come. Draining
-/// makes it come out now; as a drained decoder takes nothing more, it starts anew with the same packet and
-/// its second copy of the picture is kept back. Decoding one picture twice takes a fraction of the time that
-/// filling the threads does.
+// Frame threads and reordering hold the first picture back until several packets more have come. Draining
+// makes it come out now; as a drained decoder takes nothing more, it starts anew with the same packet and
+// its second copy of the picture is kept back. Decoding one picture twice takes a fraction of the time that
+// filling the threads does.
 bool VideoDecoder::ShowFirstAtOnce(const AVPacket& packet, const Sink& sink) {
     Time100ns last = kNoTime;
     const Sink remembering = [&](VideoFrame&& frame) {

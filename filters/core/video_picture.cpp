@@ -18,7 +18,7 @@ constexpr bool HasHalfWidthChroma(PixelFormat format) {
     return format != PixelFormat::kAyuv && format != PixelFormat::kRgb32;
 }
 
-/// The deprecated J formats are the plain ones in full range; range travels apart from the format here.
+// The deprecated J formats are the plain ones in full range; range travels apart from the format here.
 AVPixelFormat WithoutRange(AVPixelFormat format) {
     switch (format) {
     case AV_PIX_FMT_YUVJ420P: return AV_PIX_FMT_YUV420P;
@@ -42,7 +42,7 @@ void CopyRows(std::uint8_t* to, std::ptrdiff_t toStride, const std::uint8_t* fro
     }
 }
 
-/// Two chroma planes into one of pairs.
+// Two chroma planes into one of pairs.
 void Interleave8(const AVFrame& picture, std::uint8_t* to, std::ptrdiff_t stride) {
     const int width = HalfUp(picture.width);
     for (int row = 0; row < HalfUp(picture.height); ++row) {
@@ -56,7 +56,7 @@ void Interleave8(const AVFrame& picture, std::uint8_t* to, std::ptrdiff_t stride
     }
 }
 
-/// One plane of pairs into two. The scaling library's own way reads past the rows of odd widths.
+// One plane of pairs into two. The scaling library's own way reads past the rows of odd widths.
 void Deinterleave8(const AVFrame& picture, std::uint8_t* u, std::uint8_t* v, std::ptrdiff_t stride) {
     const int width = HalfUp(picture.width);
     for (int row = 0; row < HalfUp(picture.height); ++row) {
@@ -68,7 +68,7 @@ void Deinterleave8(const AVFrame& picture, std::uint8_t* u, std::uint8_t* v, std
     }
 }
 
-/// 10 bits at the bottom of 16 to 10 bits at the top.
+// 10 bits at the bottom of 16 to 10 bits at the top.
 constexpr std::uint16_t Raise(std::uint16_t sample) {
     return static_cast<std::uint16_t>(sample << 6);
 }
@@ -99,7 +99,7 @@ void WriteP010(const AVFrame& picture, std::uint8_t* data, std::ptrdiff_t stride
     }
 }
 
-/// Y, then V, then U.
+// Y, then V, then U.
 void WriteYv12(const AVFrame& picture, std::uint8_t* data, std::ptrdiff_t stride, int rows) {
     const std::ptrdiff_t chromaStride = stride / 2;
     std::uint8_t* v = data + stride * rows;
@@ -221,7 +221,7 @@ bool PictureWriter::Write(const AVFrame& picture, const PictureBuffer& buffer) {
     return Scale(picture, AV_PIX_FMT_BGR0, planes, strides);
 }
 
-/// The scaling library has no such packed format: it makes planes of full size, which are packed here.
+// The scaling library has no such packed format: it makes planes of full size, which are packed here.
 bool PictureWriter::WriteAyuv(const AVFrame& picture, const PictureBuffer& buffer) {
     const std::size_t plane =
         static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height);
@@ -266,8 +266,8 @@ bool PictureWriter::Scale(const AVFrame& picture, AVPixelFormat target, std::uin
            picture.height;
 }
 
-/// YUV to YUV keeps matrix and range; between RGB and YUV the picture's own matrix counts, by its size when
-/// it names none.
+// YUV to YUV keeps matrix and range; between RGB and YUV the picture's own matrix counts, by its size when
+// it names none.
 void PictureWriter::SetColors(const AVFrame& picture, AVPixelFormat target) {
     const AVPixFmtDescriptor* from = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(picture.format));
     const AVPixFmtDescriptor* to = av_pix_fmt_desc_get(target);

@@ -105,14 +105,14 @@ bool IsFullRangeFormat(int format) {
            format == AV_PIX_FMT_YUVJ440P || format == AV_PIX_FMT_YUVJ411P;
 }
 
-/// H.264's set-up data begin with the profile; those from High 10 on hold more than 8 bits.
+// H.264's set-up data begin with the profile; those from High 10 on hold more than 8 bits.
 bool IsHighBitDepthH264(std::span<const std::uint8_t> extradata) {
     constexpr int kHigh10 = 110;
     constexpr int kHigh422 = 122;
     return extradata.size() > 4 && extradata[0] == 1 && (extradata[1] == kHigh10 || extradata[1] == kHigh422);
 }
 
-/// AV1's set-up data state the depth in the third byte.
+// AV1's set-up data state the depth in the third byte.
 bool IsHighBitDepthAv1(std::span<const std::uint8_t> extradata) {
     constexpr int kHighBitDepth = 0x40;
     return extradata.size() > 3 && extradata[0] == 0x81 && (extradata[2] & kHighBitDepth) != 0;

@@ -11,15 +11,15 @@
 
 namespace brindlecast {
 
-/// The audio processing filter: normalisation, boost, stretching at rates other than 1.0.
+// The audio processing filter: normalisation, boost, stretching at rates other than 1.0.
 inline constexpr GUID kClsidAudioSwitcher = {
     0x18C16B08, 0x6497, 0x420E, {0xAD, 0x14, 0x22, 0xD2, 0x1C, 0x2C, 0xEA, 0xB7}};
 
-/// Rows and columns of the speaker matrix.
+// Rows and columns of the speaker matrix.
 inline constexpr int kAudioSwitcherSpeakers = 18;
 
-/// Settings of the audio processing filter. Calls may come from the main thread at any time. Its bools are
-/// C++ bools: one byte, 0 or 1.
+// Settings of the audio processing filter. Calls may come from the main thread at any time. Its bools are
+// C++ bools: one byte, 0 or 1.
 struct IAudioSwitcherFilter : public IUnknown {
     virtual HRESULT STDMETHODCALLTYPE GetInputSpeakerConfig(DWORD* channelMask) = 0;
     virtual HRESULT STDMETHODCALLTYPE
@@ -31,7 +31,7 @@ struct IAudioSwitcherFilter : public IUnknown {
     virtual int STDMETHODCALLTYPE GetNumberOfInputChannels() = 0;
     virtual bool STDMETHODCALLTYPE IsDownSamplingTo441Enabled() = 0;
     virtual HRESULT STDMETHODCALLTYPE EnableDownSamplingTo441(bool enabled) = 0;
-    /// 100 ns units.
+    // 100 ns units.
     virtual REFERENCE_TIME STDMETHODCALLTYPE GetAudioTimeShift() = 0;
     virtual HRESULT STDMETHODCALLTYPE SetAudioTimeShift(REFERENCE_TIME shift) = 0;
     virtual HRESULT STDMETHODCALLTYPE GetNormalizeBoost(bool& normalize, bool& recover,
@@ -40,7 +40,7 @@ struct IAudioSwitcherFilter : public IUnknown {
                                                         float boostDecibels) = 0;
     virtual HRESULT STDMETHODCALLTYPE GetNormalizeBoost2(bool& normalize, UINT& maxFactorPercent,
                                                          bool& recover, UINT& boostPercent) = 0;
-    /// `maxFactorPercent`: the largest amplification, 300 is a factor of 3. `boostPercent` is added to unity.
+    // `maxFactorPercent`: the largest amplification, 300 is a factor of 3. `boostPercent` is added to unity.
     virtual HRESULT STDMETHODCALLTYPE SetNormalizeBoost2(bool normalize, UINT maxFactorPercent, bool recover,
                                                          UINT boostPercent) = 0;
 };

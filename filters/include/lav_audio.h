@@ -10,11 +10,11 @@
 
 namespace brindlecast {
 
-/// The audio decoder.
+// The audio decoder.
 inline constexpr GUID kClsidLavAudio = {
     0xE8E73B6B, 0x4CB3, 0x44A4, {0xBE, 0x99, 0x4F, 0x7B, 0xCB, 0x96, 0xE4, 0x91}};
 
-/// Output sample formats.
+// Output sample formats.
 enum LavSampleFormat : int {
     kLavSampleFormat16 = 0,
     kLavSampleFormat24 = 1,
@@ -24,12 +24,12 @@ enum LavSampleFormat : int {
     kLavSampleFormatBitstream = 5,
 };
 
-/// Settings of the audio decoder. Calls may come from the main thread at any time.
+// Settings of the audio decoder. Calls may come from the main thread at any time.
 struct ILAVAudioSettings : public IUnknown {
-    /// TRUE: use only what this interface sets; stored settings are neither read nor changed.
+    // TRUE: use only what this interface sets; stored settings are neither read nor changed.
     virtual HRESULT STDMETHODCALLTYPE SetRuntimeConfig(BOOL runtime) = 0;
     virtual HRESULT STDMETHODCALLTYPE GetDRC(BOOL* enabled, int* level) = 0;
-    /// Dynamic range compression; `level` from 0 to 100 percent. Takes effect while playing.
+    // Dynamic range compression; `level` from 0 to 100 percent. Takes effect while playing.
     virtual HRESULT STDMETHODCALLTYPE SetDRC(BOOL enabled, int level) = 0;
     virtual BOOL STDMETHODCALLTYPE GetFormatConfiguration(int codec) = 0;
     virtual HRESULT STDMETHODCALLTYPE SetFormatConfiguration(int codec, BOOL enabled) = 0;
@@ -42,20 +42,20 @@ struct ILAVAudioSettings : public IUnknown {
     virtual BOOL STDMETHODCALLTYPE GetOutputStandardLayout() = 0;
     virtual HRESULT STDMETHODCALLTYPE SetOutputStandardLayout(BOOL enabled) = 0;
     virtual BOOL STDMETHODCALLTYPE GetExpandMono() = 0;
-    /// Mono becomes two equal channels.
+    // Mono becomes two equal channels.
     virtual HRESULT STDMETHODCALLTYPE SetExpandMono(BOOL enabled) = 0;
     virtual BOOL STDMETHODCALLTYPE GetExpand61() = 0;
     virtual HRESULT STDMETHODCALLTYPE SetExpand61(BOOL enabled) = 0;
     virtual BOOL STDMETHODCALLTYPE GetAllowRawSPDIFInput() = 0;
     virtual HRESULT STDMETHODCALLTYPE SetAllowRawSPDIFInput(BOOL enabled) = 0;
     virtual BOOL STDMETHODCALLTYPE GetSampleFormat(int format) = 0;
-    /// `format` is a LavSampleFormat.
+    // `format` is a LavSampleFormat.
     virtual HRESULT STDMETHODCALLTYPE SetSampleFormat(int format, BOOL enabled) = 0;
     virtual HRESULT STDMETHODCALLTYPE GetAudioDelay(BOOL* enabled, int* milliseconds) = 0;
     virtual HRESULT STDMETHODCALLTYPE SetAudioDelay(BOOL enabled, int milliseconds) = 0;
     virtual HRESULT STDMETHODCALLTYPE SetMixingEnabled(BOOL enabled) = 0;
     virtual BOOL STDMETHODCALLTYPE GetMixingEnabled() = 0;
-    /// A channel mask of the platform's speaker positions.
+    // A channel mask of the platform's speaker positions.
     virtual HRESULT STDMETHODCALLTYPE SetMixingLayout(DWORD channelMask) = 0;
     virtual DWORD STDMETHODCALLTYPE GetMixingLayout() = 0;
     virtual HRESULT STDMETHODCALLTYPE SetMixingFlags(DWORD flags) = 0;
@@ -76,7 +76,7 @@ struct ILAVAudioSettings : public IUnknown {
     virtual HRESULT STDMETHODCALLTYPE SetBitstreamingFallback(BOOL enabled) = 0;
 };
 
-/// What the audio decoder is doing. Any output pointer may be null; texts are static and owned by the filter.
+// What the audio decoder is doing. Any output pointer may be null; texts are static and owned by the filter.
 struct ILAVAudioStatus : public IUnknown {
     virtual BOOL STDMETHODCALLTYPE IsSampleFormatSupported(int format) = 0;
     virtual HRESULT STDMETHODCALLTYPE GetDecodeDetails(LPCSTR* codec, LPCSTR* format, int* channels,
@@ -85,7 +85,7 @@ struct ILAVAudioStatus : public IUnknown {
                                                        DWORD* channelMask) = 0;
     virtual HRESULT STDMETHODCALLTYPE EnableVolumeStats() = 0;
     virtual HRESULT STDMETHODCALLTYPE DisableVolumeStats() = 0;
-    /// Decibels.
+    // Decibels.
     virtual HRESULT STDMETHODCALLTYPE GetChannelVolumeAverage(WORD channel, float* decibels) = 0;
 };
 

@@ -11,11 +11,11 @@
 
 namespace brindlecast {
 
-/// The video decoder.
+// The video decoder.
 inline constexpr GUID kClsidLavVideo = {
     0xEE30215D, 0x164F, 0x4A92, {0xA4, 0xEB, 0x9D, 0x4C, 0x13, 0x39, 0x0F, 0x9F}};
 
-/// Hardware decoding methods.
+// Hardware decoding methods.
 enum LavHwAccel : int {
     kLavHwAccelNone = 0,
     kLavHwAccelCuda = 1,
@@ -25,7 +25,7 @@ enum LavHwAccel : int {
     kLavHwAccelD3D11 = 5,
 };
 
-/// Codec numbers of SetHWAccelCodec. Number 2 is not in use.
+// Codec numbers of SetHWAccelCodec. Number 2 is not in use.
 enum LavHwCodec : int {
     kLavHwCodecH264 = 0,
     kLavHwCodecVc1 = 1,
@@ -38,7 +38,7 @@ enum LavHwCodec : int {
     kLavHwCodecAv1 = 9,
 };
 
-/// Output pixel formats of SetPixelFormat.
+// Output pixel formats of SetPixelFormat.
 enum LavPixelFormat : int {
     kLavPixelFormatYv12 = 0,
     kLavPixelFormatNv12 = 1,
@@ -61,17 +61,17 @@ enum LavPixelFormat : int {
     kLavPixelFormatCount = 18,
 };
 
-/// Codec numbers of SetFormatConfiguration run from 0 to below this one.
+// Codec numbers of SetFormatConfiguration run from 0 to below this one.
 inline constexpr int kLavVideoCodecCount = 64;
 
-/// Bits of SetHWAccelResolutionFlags.
+// Bits of SetHWAccelResolutionFlags.
 enum LavHwResolutionFlags : DWORD {
     kLavHwResolutionSd = 1,
     kLavHwResolutionHd = 2,
     kLavHwResolutionUhd = 4,
 };
 
-/// Numbers of SetDeinterlacingMode.
+// Numbers of SetDeinterlacingMode.
 enum LavDeinterlacingMode : int {
     kLavDeinterlacingAuto = 0,
     kLavDeinterlacingAggressive = 1,
@@ -79,13 +79,13 @@ enum LavDeinterlacingMode : int {
     kLavDeinterlacingDisable = 3,
 };
 
-/// Settings of the video decoder. Calls may come from the main thread at any time.
+// Settings of the video decoder. Calls may come from the main thread at any time.
 struct ILAVVideoSettings : public IUnknown {
-    /// TRUE: use only what this interface sets; stored settings are neither read nor changed.
+    // TRUE: use only what this interface sets; stored settings are neither read nor changed.
     virtual HRESULT STDMETHODCALLTYPE SetRuntimeConfig(BOOL runtime) = 0;
     virtual BOOL STDMETHODCALLTYPE GetFormatConfiguration(int codec) = 0;
     virtual HRESULT STDMETHODCALLTYPE SetFormatConfiguration(int codec, BOOL enabled) = 0;
-    /// 0: as many threads as the decoder thinks fit.
+    // 0: as many threads as the decoder thinks fit.
     virtual HRESULT STDMETHODCALLTYPE SetNumThreads(DWORD threads) = 0;
     virtual DWORD STDMETHODCALLTYPE GetNumThreads() = 0;
     virtual HRESULT STDMETHODCALLTYPE SetStreamAR(DWORD mode) = 0;
@@ -100,11 +100,11 @@ struct ILAVVideoSettings : public IUnknown {
     virtual BOOL STDMETHODCALLTYPE GetDeintAggressive() = 0;
     virtual HRESULT STDMETHODCALLTYPE SetDeintForce(BOOL enabled) = 0;
     virtual BOOL STDMETHODCALLTYPE GetDeintForce() = 0;
-    /// 0 when the LavHwAccel `method` can't be used on this machine, any other value when it can.
+    // 0 when the LavHwAccel `method` can't be used on this machine, any other value when it can.
     virtual DWORD STDMETHODCALLTYPE CheckHWAccelSupport(int method) = 0;
     virtual HRESULT STDMETHODCALLTYPE SetHWAccel(int method) = 0;
     virtual int STDMETHODCALLTYPE GetHWAccel() = 0;
-    /// `codec` is a LavHwCodec.
+    // `codec` is a LavHwCodec.
     virtual HRESULT STDMETHODCALLTYPE SetHWAccelCodec(int codec, BOOL enabled) = 0;
     virtual BOOL STDMETHODCALLTYPE GetHWAccelCodec(int codec) = 0;
     virtual HRESULT STDMETHODCALLTYPE SetHWAccelDeintMode(int mode) = 0;
@@ -125,17 +125,17 @@ struct ILAVVideoSettings : public IUnknown {
     virtual BOOL STDMETHODCALLTYPE GetUseMSWMV9Decoder() = 0;
     virtual HRESULT STDMETHODCALLTYPE SetDVDVideoSupport(BOOL enabled) = 0;
     virtual BOOL STDMETHODCALLTYPE GetDVDVideoSupport() = 0;
-    /// LavHwResolutionFlags.
+    // LavHwResolutionFlags.
     virtual HRESULT STDMETHODCALLTYPE SetHWAccelResolutionFlags(DWORD flags) = 0;
     virtual DWORD STDMETHODCALLTYPE GetHWAccelResolutionFlags() = 0;
     virtual HRESULT STDMETHODCALLTYPE SetTrayIcon(BOOL enabled) = 0;
     virtual BOOL STDMETHODCALLTYPE GetTrayIcon() = 0;
-    /// A LavDeinterlacingMode number.
+    // A LavDeinterlacingMode number.
     virtual HRESULT STDMETHODCALLTYPE SetDeinterlacingMode(int mode) = 0;
     virtual int STDMETHODCALLTYPE GetDeinterlacingMode() = 0;
     virtual HRESULT STDMETHODCALLTYPE SetGPUDeviceIndex(DWORD device) = 0;
     virtual DWORD STDMETHODCALLTYPE GetHWAccelNumDevices(int method) = 0;
-    /// `name` is a BSTR that the caller frees with SysFreeString.
+    // `name` is a BSTR that the caller frees with SysFreeString.
     virtual HRESULT STDMETHODCALLTYPE GetHWAccelDeviceInfo(int method, DWORD index, BSTR* name,
                                                            DWORD* id) = 0;
     virtual DWORD STDMETHODCALLTYPE GetHWAccelDeviceIndex(int method, DWORD* id) = 0;
@@ -144,11 +144,11 @@ struct ILAVVideoSettings : public IUnknown {
     virtual HRESULT STDMETHODCALLTYPE SetEnableCCOutputPin(BOOL enabled) = 0;
 };
 
-/// What the video decoder is doing.
+// What the video decoder is doing.
 struct ILAVVideoStatus : public IUnknown {
-    /// Static text owned by the filter, null while nothing is being decoded.
+    // Static text owned by the filter, null while nothing is being decoded.
     virtual LPCWSTR STDMETHODCALLTYPE GetActiveDecoderName() = 0;
-    /// `device` is a BSTR that the caller frees with SysFreeString.
+    // `device` is a BSTR that the caller frees with SysFreeString.
     virtual HRESULT STDMETHODCALLTYPE GetHWAccelActiveDevice(BSTR* device) = 0;
 };
 

@@ -13,22 +13,22 @@ struct ID3D11Device;
 
 namespace brindlecast {
 
-/// The video renderer.
+// The video renderer.
 inline constexpr GUID kClsidMpcVideoRenderer = {
     0x71F080AA, 0x8661, 0x4093, {0xB1, 0x5E, 0x4F, 0x69, 0x03, 0xE7, 0x7D, 0x0A}};
 
-/// Options of the renderer, keyed by 8-bit names. Answers: E_NOTIMPL for a method that is not implemented,
-/// E_POINTER for a null pointer, E_INVALIDARG for a wrong name or type of field, E_ABORT where the field is
-/// right and has no value now. Texts and binary results are allocated with CoTaskMemAlloc and belong to the
-/// caller.
+// Options of the renderer, keyed by 8-bit names. Answers: E_NOTIMPL for a method that is not implemented,
+// E_POINTER for a null pointer, E_INVALIDARG for a wrong name or type of field, E_ABORT where the field is
+// right and has no value now. Texts and binary results are allocated with CoTaskMemAlloc and belong to the
+// caller.
 struct IExFilterConfig : public IUnknown {
     virtual HRESULT STDMETHODCALLTYPE Flt_GetBool(LPCSTR field, bool* value) = 0;
     virtual HRESULT STDMETHODCALLTYPE Flt_GetInt(LPCSTR field, int* value) = 0;
     virtual HRESULT STDMETHODCALLTYPE Flt_GetInt64(LPCSTR field, __int64* value) = 0;
     virtual HRESULT STDMETHODCALLTYPE Flt_GetDouble(LPCSTR field, double* value) = 0;
-    /// `size`: characters.
+    // `size`: characters.
     virtual HRESULT STDMETHODCALLTYPE Flt_GetString(LPCSTR field, LPWSTR* value, unsigned* size) = 0;
-    /// `size`: bytes.
+    // `size`: bytes.
     virtual HRESULT STDMETHODCALLTYPE Flt_GetBin(LPCSTR field, LPVOID* value, unsigned* size) = 0;
     virtual HRESULT STDMETHODCALLTYPE Flt_SetBool(LPCSTR field, bool value) = 0;
     virtual HRESULT STDMETHODCALLTYPE Flt_SetInt(LPCSTR field, int value) = 0;
@@ -38,23 +38,23 @@ struct IExFilterConfig : public IUnknown {
     virtual HRESULT STDMETHODCALLTYPE Flt_SetBin(LPCSTR field, LPVOID value, int size) = 0;
 };
 
-/// Draws over the frame. Implemented by the player, called by the renderer on its drawing thread. While it
-/// calls Render11 the renderer has bound its render target, a vertex shader and input layout that take five
-/// floats a vertex (position in the first three, texture coordinate in the last two), and a pixel shader that
-/// samples texture slot 0 with sampler slot 0 (premultiplied alpha). The callback restores no state.
+// Draws over the frame. Implemented by the player, called by the renderer on its drawing thread. While it
+// calls Render11 the renderer has bound its render target, a vertex shader and input layout that take five
+// floats a vertex (position in the first three, texture coordinate in the last two), and a pixel shader that
+// samples texture slot 0 with sampler slot 0 (premultiplied alpha). The callback restores no state.
 struct ISubRender11Callback : public IUnknown {
-    /// Null: release everything that belongs to the device.
+    // Null: release everything that belongs to the device.
     virtual HRESULT STDMETHODCALLTYPE SetDevice11(ID3D11Device* device) = 0;
-    /// Times in 100 ns units on the file's time line; rectangles in pixels of the render target. Answers 0
-    /// when something was drawn and 1 when not. `stretch` is 1.0, `xOffset` and `flags` are 0.
+    // Times in 100 ns units on the file's time line; rectangles in pixels of the render target. Answers 0
+    // when something was drawn and 1 when not. `stretch` is 1.0, `xOffset` and `flags` are 0.
     virtual HRESULT STDMETHODCALLTYPE Render11(REFERENCE_TIME start, REFERENCE_TIME stop,
                                                REFERENCE_TIME frameDuration, RECT video, RECT originalVideo,
                                                RECT viewport, double stretch, int xOffset, DWORD flags) = 0;
 };
 
-/// Takes the callback that draws over the frame.
+// Takes the callback that draws over the frame.
 struct ISubRender11 : public IUnknown {
-    /// Keeps a reference to the callback; null drops it.
+    // Keeps a reference to the callback; null drops it.
     virtual HRESULT STDMETHODCALLTYPE SetCallback11(ISubRender11Callback* callback) = 0;
 };
 

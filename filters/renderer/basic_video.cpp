@@ -34,7 +34,7 @@ HRESULT WriteRect(HRESULT known, const PictureRect& rect, LONG* left, LONG* top,
     return known;
 }
 
-/// Sums stay far from the limits of an int.
+// Sums stay far from the limits of an int.
 bool IsSane(LONG left, LONG top, LONG width, LONG height) {
     constexpr LONG kLimit = 1 << 20;
     return width > 0 && height > 0 && width <= kLimit && height <= kLimit && left >= -kLimit &&

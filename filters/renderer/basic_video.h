@@ -7,8 +7,8 @@
 
 namespace brindlecast {
 
-/// IBasicVideo2. Everything answers VFW_E_NOT_CONNECTED, and writes nothing, while the input is not
-/// connected.
+// IBasicVideo2. Everything answers VFW_E_NOT_CONNECTED, and writes nothing, while the input is not
+// connected.
 class BasicVideo final : public DualFilterPart<IBasicVideo2> {
 public:
     BasicVideo(BaseFilter& filter, RendererCore& core) : DualFilterPart(filter), core_(core) {}
@@ -42,7 +42,7 @@ public:
     STDMETHODIMP SetDefaultDestinationPosition() override;
     STDMETHODIMP GetVideoSize(LONG* width, LONG* height) override;
     STDMETHODIMP GetVideoPaletteEntries(LONG start, LONG entries, LONG* retrieved, LONG* palette) override;
-    /// A 32-bit DIB of the last frame in its display size, bottom-up, without subtitles; also while playing.
+    // A 32-bit DIB of the last frame in its display size, bottom-up, without subtitles; also while playing.
     STDMETHODIMP GetCurrentImage(LONG* size, LONG* image) override;
     STDMETHODIMP IsUsingDefaultSource() override;
     STDMETHODIMP IsUsingDefaultDestination() override;

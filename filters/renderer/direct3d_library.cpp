@@ -6,9 +6,9 @@ namespace brindlecast {
 
 namespace {
 
-/// Wine runs Direct3D on a thread of its own that spins while it waits; on a machine whose processor does the
-/// drawing this takes as much time as the drawing. Its library reads the setting once, when it loads, from
-/// the environment that the C runtime of Wine's own libraries keeps. A user's setting stays.
+// Wine runs Direct3D on a thread of its own that spins while it waits; on a machine whose processor does the
+// drawing this takes as much time as the drawing. Its library reads the setting once, when it loads, from
+// the environment that the C runtime of Wine's own libraries keeps. A user's setting stays.
 void PrepareWine() {
     constexpr char kSetting[] = "WINE_D3D_CONFIG";
     if (!RunsUnderWine() || GetEnvironmentVariableA(kSetting, nullptr, 0) != 0) {

@@ -11,7 +11,7 @@ namespace brindlecast {
 namespace {
 
 constexpr std::int64_t kMillisecond = 10'000;
-/// A capture draws one picture; more than this means that the drawing thread can't answer at all.
+// A capture draws one picture; more than this means that the drawing thread can't answer at all.
 constexpr DWORD kCaptureMilliseconds = 5'000;
 
 std::int64_t TickTime() {
@@ -23,7 +23,7 @@ std::unique_ptr<Presenter> DefaultPresenter(const D3dDevice& device, std::shared
     return MakePresenter(device, std::move(window), kind);
 }
 
-/// Waits of one millisecond need the system's timer at that step.
+// Waits of one millisecond need the system's timer at that step.
 class FineTimer {
 public:
     FineTimer() { timeBeginPeriod(1); }

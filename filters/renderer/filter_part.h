@@ -4,8 +4,8 @@
 
 namespace brindlecast {
 
-/// An interface of a filter that is implemented in an object of its own: the same COM object, the same
-/// reference count.
+// An interface of a filter that is implemented in an object of its own: the same COM object, the same
+// reference count.
 template <class Interface>
 class FilterPart : public Interface {
 public:
@@ -26,7 +26,7 @@ private:
     BaseFilter& filter_;
 };
 
-/// The same for a dual interface; calls by name are not offered.
+// The same for a dual interface; calls by name are not offered.
 template <class Interface>
 class DualFilterPart : public FilterPart<Interface> {
 public:

@@ -11,7 +11,7 @@ namespace brindlecast {
 
 namespace {
 
-/// How long to leave a graphics system alone that could make no device.
+// How long to leave a graphics system alone that could make no device.
 constexpr ULONGLONG kRetryMilliseconds = 500;
 
 RECT ToRect(const PictureRect& rect) {
@@ -26,7 +26,7 @@ PictureSize UprightSize(const Picture& picture, int rotation) {
     return DisplaySize(picture.format.Size(), picture.format.aspectX, picture.format.aspectY, rotation);
 }
 
-/// The visible part may begin one texel into the textures, where chroma has half the resolution.
+// The visible part may begin one texel into the textures, where chroma has half the resolution.
 TexturePart WithinTextures(const PictureMemory& memory, const PicturePlane& luma, const TexturePart& part) {
     const PictureSize span = ChromaSpan(memory.format);
     const float left = static_cast<float>(memory.visible.left % span.width) / static_cast<float>(luma.width);

@@ -14,35 +14,35 @@
 
 namespace brindlecast {
 
-/// A picture taken from the renderer: rows of B, G, R, 255 from top to bottom without padding.
+// A picture taken from the renderer: rows of B, G, R, 255 from top to bottom without padding.
 struct CapturedImage {
     PictureSize size;
     std::vector<std::uint8_t> pixels;
 };
 
-/// Draws pictures into the window in the slot. Belongs to the drawing thread; only the constructor runs
-/// elsewhere. A lost device is replaced and the pictures that are still held are uploaded anew.
+// Draws pictures into the window in the slot. Belongs to the drawing thread; only the constructor runs
+// elsewhere. A lost device is replaced and the pictures that are still held are uploaded anew.
 class FramePainter {
 public:
     using PresenterFactory =
         std::function<std::unique_ptr<Presenter>(const D3dDevice&, std::shared_ptr<WindowSlot>)>;
 
-    /// `factory` makes the presenter of a device; tests put their own in.
+    // `factory` makes the presenter of a device; tests put their own in.
     FramePainter(std::shared_ptr<WindowSlot> window, SubtitleLink& subtitles, PresenterFactory factory);
     ~FramePainter();
 
-    /// Makes the device when there is none, so that the first picture does not wait for it.
+    // Makes the device when there is none, so that the first picture does not wait for it.
     void WarmUp();
-    /// Uploads and draws a picture whose time has not come. Failures are met again, and handled, by Show.
+    // Uploads and draws a picture whose time has not come. Failures are met again, and handled, by Show.
     void Prepare(const PicturePtr& picture, const Look& look);
-    /// Brings a picture to the screen; one that is prepared needs only to be shown. It becomes the last one.
+    // Brings a picture to the screen; one that is prepared needs only to be shown. It becomes the last one.
     [[nodiscard]] HRESULT Show(const PicturePtr& picture, const Look& look);
-    /// Draws the last picture again.
+    // Draws the last picture again.
     [[nodiscard]] HRESULT Redraw(const Look& look);
-    /// What the window shows, with subtitles, or the last picture alone in its display size.
+    // What the window shows, with subtitles, or the last picture alone in its display size.
     enum class CaptureKind { kWindow, kPicture };
     [[nodiscard]] HRESULT Capture(CaptureKind kind, const Look& look, CapturedImage* out);
-    /// Replaces media samples by copies, so that their owner gets them back.
+    // Replaces media samples by copies, so that their owner gets them back.
     void KeepCopies();
     [[nodiscard]] bool HasPicture() const noexcept { return shown_ != nullptr; }
 
@@ -71,7 +71,7 @@ private:
     HWND presenterWindow_ = nullptr;
     std::array<Slot, 2> slots_;
     PicturePtr shown_;
-    PicturePtr drawn_; ///< what Finish was called for and Show not yet
+    PicturePtr drawn_; // what Finish was called for and Show not yet
     ULONGLONG nextAttempt_ = 0;
     bool deviceFailed_ = false;
 };

@@ -8,24 +8,24 @@
 
 namespace brindlecast {
 
-/// How the picture is to stand in the window, as the application set it.
+// How the picture is to stand in the window, as the application set it.
 struct Look {
-    /// Pixels of the window's client area; none means all of it.
+    // Pixels of the window's client area; none means all of it.
     std::optional<PictureRect> destination;
-    /// Pixels of the display size; none means all of it.
+    // Pixels of the display size; none means all of it.
     std::optional<PictureRect> source;
-    /// The options "rotation" (normalised) and "flip".
+    // The options "rotation" (normalised) and "flip".
     Orientation orientation;
 };
 
-/// The look, set from the application's threads and read by the drawing thread.
+// The look, set from the application's threads and read by the drawing thread.
 class SharedLook {
 public:
     [[nodiscard]] Look Get() const {
         const std::lock_guard lock(mutex_);
         return look_;
     }
-    /// Calls `change(look)` with the look locked.
+    // Calls `change(look)` with the look locked.
     template <class Change>
     void Edit(Change&& change) {
         const std::lock_guard lock(mutex_);

@@ -17,7 +17,7 @@ constexpr GUID kYv12 = FourCc(0x32315659);
 constexpr GUID kYuy2 = FourCc(0x32595559);
 constexpr GUID kAyuv = FourCc(0x56555941);
 
-/// What both kinds of header have.
+// What both kinds of header have.
 struct Header {
     const BITMAPINFOHEADER* bitmap;
     RECT source;

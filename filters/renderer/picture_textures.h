@@ -7,12 +7,12 @@
 
 namespace brindlecast {
 
-/// The planes of one picture on the graphics device. Remade when the planes' sizes change. One thread.
+// The planes of one picture on the graphics device. Remade when the planes' sizes change. One thread.
 class PictureTextures {
 public:
-    /// Copies the picture's planes to the device.
+    // Copies the picture's planes to the device.
     [[nodiscard]] HRESULT Upload(const D3dDevice& device, const Picture& picture);
-    /// Binds them to the pixel shader's slots from 0.
+    // Binds them to the pixel shader's slots from 0.
     void Bind(ID3D11DeviceContext* context) const;
     void Reset();
 

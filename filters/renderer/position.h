@@ -6,8 +6,8 @@
 
 namespace brindlecast {
 
-/// IMediaSeeking of the renderer: the position is that of the picture; all else goes upstream. Times are in
-/// 100 ns units only.
+// IMediaSeeking of the renderer: the position is that of the picture; all else goes upstream. Times are in
+// 100 ns units only.
 class PositionSeeking final : public UpstreamSeeking {
 public:
     PositionSeeking(BaseFilter& filter, BasePin& input, RendererCore& core)

@@ -7,17 +7,17 @@
 
 namespace brindlecast {
 
-/// IQualProp: how well frames meet their time, since the filter last left the stopped state.
+// IQualProp: how well frames meet their time, since the filter last left the stopped state.
 class QualityCounters final : public FilterPart<IQualProp> {
 public:
     QualityCounters(BaseFilter& filter, RendererCore& core) : FilterPart(filter), core_(core) {}
 
     STDMETHODIMP get_FramesDroppedInRenderer(int* frames) override;
     STDMETHODIMP get_FramesDrawn(int* frames) override;
-    /// Frames in 100 seconds.
+    // Frames in 100 seconds.
     STDMETHODIMP get_AvgFrameRate(int* rate) override;
     STDMETHODIMP get_Jitter(int*) override { return E_NOTIMPL; }
-    /// Milliseconds between a frame's time and its showing: the mean, and the largest instead of a deviation.
+    // Milliseconds between a frame's time and its showing: the mean, and the largest instead of a deviation.
     STDMETHODIMP get_AvgSyncOffset(int* milliseconds) override;
     STDMETHODIMP get_DevSyncOffset(int* milliseconds) override;
 

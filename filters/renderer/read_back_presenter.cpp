@@ -17,8 +17,8 @@ D3D11_TEXTURE2D_DESC Describe(PictureSize size) {
     return description;
 }
 
-/// Draws rows of four bytes a pixel; the header's width is that of the rows, so that their padding is passed
-/// over.
+// Draws rows of four bytes a pixel; the header's width is that of the rows, so that their padding is passed
+// over.
 void DrawRows(HWND window, const D3D11_MAPPED_SUBRESOURCE& rows, PictureSize size) {
     const HDC context = GetDC(window);
     if (context == nullptr) {

@@ -6,8 +6,8 @@
 
 namespace brindlecast {
 
-/// Copies the target into memory and draws it with GDI. Two memory textures are used in turn, so that the
-/// wait for one picture overlaps with the drawing of the next.
+// Copies the target into memory and draws it with GDI. Two memory textures are used in turn, so that the
+// wait for one picture overlaps with the drawing of the next.
 class ReadBackPresenter final : public Presenter {
 public:
     ReadBackPresenter(const D3dDevice& device, std::shared_ptr<WindowSlot> window);
@@ -28,9 +28,9 @@ private:
     std::size_t current_ = 0;
 };
 
-/// A texture that the processor reads, in the format of every target here (B8G8R8A8).
+// A texture that the processor reads, in the format of every target here (B8G8R8A8).
 [[nodiscard]] HRESULT MakeReadableTexture(ID3D11Device* device, PictureSize size, ID3D11Texture2D** out);
-/// A texture to draw into, with its view.
+// A texture to draw into, with its view.
 [[nodiscard]] HRESULT MakeTargetTexture(ID3D11Device* device, PictureSize size, ID3D11Texture2D** texture,
                                         ID3D11RenderTargetView** view);
 

@@ -11,8 +11,8 @@
 
 namespace brindlecast {
 
-/// What the interfaces of the renderer share: the window, the look, the format and the drawing thread.
-/// Methods may be called on any thread unless their part says otherwise.
+// What the interfaces of the renderer share: the window, the look, the format and the drawing thread.
+// Methods may be called on any thread unless their part says otherwise.
 class RendererCore final : public VideoWindowEvents {
 public:
     explicit RendererCore(DrawingHost& host);
@@ -22,7 +22,7 @@ public:
     [[nodiscard]] SubtitleLink& Subtitles() noexcept { return subtitles_; }
     [[nodiscard]] SharedLook& TheLook() noexcept { return look_; }
 
-    /// The connection's format; nothing while the input is not connected.
+    // The connection's format; nothing while the input is not connected.
     void SetFormat(const std::optional<PictureFormat>& format);
     [[nodiscard]] std::optional<PictureFormat> Format() const;
     [[nodiscard]] bool IsConnected() const { return Format().has_value(); }
@@ -30,8 +30,8 @@ public:
     void SetContainerRotation(int degrees) noexcept { containerRotation_ = degrees; }
     [[nodiscard]] int ContainerRotation() const noexcept { return containerRotation_.load(); }
 
-    /// The upright size of the picture: sample aspect and both rotations applied. Nothing without a
-    /// connection.
+    // The upright size of the picture: sample aspect and both rotations applied. Nothing without a
+    // connection.
     [[nodiscard]] std::optional<PictureSize> VideoSize() const;
 
     // VideoWindowEvents
@@ -46,7 +46,7 @@ private:
     std::optional<PictureFormat> format_;
     std::atomic<int> containerRotation_{0};
     VideoWindow window_;
-    DrawingThread drawing_; ///< last: it ends before what it uses
+    DrawingThread drawing_; // last: it ends before what it uses
 };
 
 } // namespace brindlecast

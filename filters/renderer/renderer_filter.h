@@ -11,7 +11,7 @@
 
 namespace brindlecast {
 
-/// ISubRender11.
+// ISubRender11.
 class SubtitleAccess final : public FilterPart<ISubRender11> {
 public:
     SubtitleAccess(BaseFilter& filter, RendererCore& core) : FilterPart(filter), core_(core) {}
@@ -21,7 +21,7 @@ private:
     RendererCore& core_;
 };
 
-/// The video renderer: one input, a window, the graph's clock.
+// The video renderer: one input, a window, the graph's clock.
 class RendererFilter final : public BaseFilter, private DrawingHost {
 public:
     RendererFilter();
@@ -39,7 +39,7 @@ private:
     void OnStreamEnd() override;
 
     RendererCore core_;
-    RendererPin* input_; ///< owned by the list of pins
+    RendererPin* input_; // owned by the list of pins
     VideoWindowControl videoWindow_;
     BasicVideo basicVideo_;
     PositionSeeking seeking_;

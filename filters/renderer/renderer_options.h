@@ -9,8 +9,8 @@
 
 namespace brindlecast {
 
-/// IExFilterConfig. "rotation", "flip", "cmd_redraw" and "displayedImage" act on the picture. The other
-/// options are remembered and answered, but choose nothing: there is one way to scale and to present.
+// IExFilterConfig. "rotation", "flip", "cmd_redraw" and "displayedImage" act on the picture. The other
+// options are remembered and answered, but choose nothing: there is one way to scale and to present.
 class RendererOptions final : public FilterPart<IExFilterConfig> {
 public:
     RendererOptions(BaseFilter& filter, RendererCore& core) : FilterPart(filter), core_(core) {}
@@ -20,7 +20,7 @@ public:
     STDMETHODIMP Flt_GetInt64(LPCSTR, __int64*) override { return E_NOTIMPL; }
     STDMETHODIMP Flt_GetDouble(LPCSTR, double*) override { return E_NOTIMPL; }
     STDMETHODIMP Flt_GetString(LPCSTR, LPWSTR*, unsigned*) override { return E_NOTIMPL; }
-    /// "displayedImage": what the window shows, as a bottom-up 32-bit DIB.
+    // "displayedImage": what the window shows, as a bottom-up 32-bit DIB.
     STDMETHODIMP Flt_GetBin(LPCSTR field, LPVOID* value, unsigned* size) override;
     STDMETHODIMP Flt_SetBool(LPCSTR field, bool value) override;
     STDMETHODIMP Flt_SetInt(LPCSTR field, int value) override;

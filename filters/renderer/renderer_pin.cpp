@@ -19,12 +19,12 @@ namespace brindlecast {
 
 namespace {
 
-/// Frames that we hold at once: those that wait, the one on the screen and the one in the sender's hands.
+// Frames that we hold at once: those that wait, the one on the screen and the one in the sender's hands.
 constexpr long kBuffersHeld = static_cast<long>(DrawingThread::kQueueLength) + 2;
-/// Duration of a frame that states none.
+// Duration of a frame that states none.
 constexpr std::int64_t kUnknownDuration = 400'000;
 
-/// The stream times of a sample. A missing stop time is made from the frame's duration.
+// The stream times of a sample. A missing stop time is made from the frame's duration.
 FrameTimes TimesOf(IMediaSample& sample, const PictureFormat& format, const BasePin::Segment& segment) {
     FrameTimes times;
     times.segmentStart = segment.start;

@@ -5,7 +5,7 @@
 
 namespace brindlecast {
 
-/// The renderer's input: makes pictures of samples and hands them to the drawing thread.
+// The renderer's input: makes pictures of samples and hands them to the drawing thread.
 class RendererPin final : public InputPin {
 public:
     RendererPin(BaseFilter& filter, RendererCore& core);
@@ -35,9 +35,9 @@ private:
     void TellSizeChange();
 
     RendererCore& core_;
-    PictureFormat format_;            ///< streaming thread; at connection the connecting one
-    std::atomic<bool> copies_{false}; ///< the allocator has too few buffers to keep any
-    std::mutex receiving_;            ///< held while a sample is taken
+    PictureFormat format_;            // streaming thread; at connection the connecting one
+    std::atomic<bool> copies_{false}; // the allocator has too few buffers to keep any
+    std::mutex receiving_;            // held while a sample is taken
 };
 
 } // namespace brindlecast

@@ -42,7 +42,7 @@ constexpr const char* kPictureTail = R"(
 }
 )";
 
-/// An expression for the three values of the picture at the place in the variable of that name.
+// An expression for the three values of the picture at the place in the variable of that name.
 std::string Fetch(PixelFormat format, const std::string& place) {
     const auto sample = [](const char* plane, const std::string& at, const char* channels) {
         return std::string(plane) + ".Sample(linearClamp, " + at + ")." + channels;
@@ -64,7 +64,7 @@ std::string Fetch(PixelFormat format, const std::string& place) {
     return "float3(0.0, 0.0, 0.0)";
 }
 
-/// Statements that leave the mean of taps x taps samples, spread over an output pixel, in `average`.
+// Statements that leave the mean of taps x taps samples, spread over an output pixel, in `average`.
 std::string Average(PixelFormat format, int taps) {
     if (taps == 1) {
         return "    float3 average = " + Fetch(format, "coordinate") + ";\n";

@@ -7,16 +7,16 @@
 
 namespace brindlecast {
 
-/// The application's subtitle callback. The drawing thread calls it under the lock, so that no call is under
-/// way any more when SetCallback has returned. The callback must not call back into the renderer.
+// The application's subtitle callback. The drawing thread calls it under the lock, so that no call is under
+// way any more when SetCallback has returned. The callback must not call back into the renderer.
 class SubtitleLink {
 public:
     ~SubtitleLink();
 
-    /// Any thread. The old callback is told to release everything of the device.
+    // Any thread. The old callback is told to release everything of the device.
     void SetCallback(ISubRender11Callback* callback);
 
-    /// What Render11 is told about one frame.
+    // What Render11 is told about one frame.
     struct Frame {
         REFERENCE_TIME start = 0;
         REFERENCE_TIME stop = 0;
@@ -25,8 +25,8 @@ public:
         RECT originalVideo{};
         RECT viewport{};
     };
-    /// Drawing thread: `bind()` puts the promised state on the context, then the callback draws. Nothing
-    /// happens without a callback. True when something may have been drawn.
+    // Drawing thread: `bind()` puts the promised state on the context, then the callback draws. Nothing
+    // happens without a callback. True when something may have been drawn.
     template <class Bind>
     bool Render(ID3D11Device* device, const Frame& frame, Bind&& bind) {
         const std::lock_guard lock(mutex_);
@@ -39,7 +39,7 @@ public:
                             frame.viewport, 1.0, 0, 0);
         return true;
     }
-    /// Drawing thread: the device is about to go.
+    // Drawing thread: the device is about to go.
     void DeviceGone();
 
 private:
@@ -48,7 +48,7 @@ private:
 
     std::mutex mutex_;
     ComPtr<ISubRender11Callback> callback_;
-    ID3D11Device* told_ = nullptr; ///< the device that the callback holds; compared, never used
+    ID3D11Device* told_ = nullptr; // the device that the callback holds; compared, never used
 };
 
 } // namespace brindlecast

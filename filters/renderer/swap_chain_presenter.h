@@ -6,10 +6,10 @@
 
 namespace brindlecast {
 
-/// Presents through a DXGI swap chain.
+// Presents through a DXGI swap chain.
 class SwapChainPresenter final : public Presenter {
 public:
-    /// Null with the reason in `*failure` when the window can't have a swap chain.
+    // Null with the reason in `*failure` when the window can't have a swap chain.
     [[nodiscard]] static std::unique_ptr<SwapChainPresenter>
     Create(const D3dDevice& device, std::shared_ptr<WindowSlot> window, HRESULT* failure);
 
@@ -17,7 +17,7 @@ public:
     HRESULT Finish() override;
     HRESULT Show() override;
 
-    /// The buffer that the next Show brings out; for tests.
+    // The buffer that the next Show brings out; for tests.
     [[nodiscard]] ID3D11Texture2D* BackBuffer() const noexcept { return buffer_.Get(); }
 
 private:

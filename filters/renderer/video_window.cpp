@@ -19,8 +19,8 @@ HINSTANCE ModuleOfThisCode() {
     return module;
 }
 
-/// The window class goes when no window needs it any more: Windows does not take it away with the module, and
-/// a later load would meet the old procedure's address.
+// The window class goes when no window needs it any more: Windows does not take it away with the module, and
+// a later load would meet the old procedure's address.
 class ClassUse {
 public:
     [[nodiscard]] bool Add(WNDPROC procedure) {
@@ -42,7 +42,7 @@ public:
         const std::lock_guard lock(mutex_);
         --users_;
     }
-    /// Not possible from within a window's destruction, hence apart from Remove.
+    // Not possible from within a window's destruction, hence apart from Remove.
     void Sweep() {
         const std::lock_guard lock(mutex_);
         if (registered_ && users_ == 0) {
@@ -65,7 +65,7 @@ bool IsMouse(UINT message) {
     return message >= WM_MOUSEFIRST && message <= WM_MOUSELAST;
 }
 
-/// Wheel messages carry screen coordinates, the others those of the window.
+// Wheel messages carry screen coordinates, the others those of the window.
 bool HasClientPoint(UINT message) {
     return IsMouse(message) && message != WM_MOUSEWHEEL && message != WM_MOUSEHWHEEL;
 }

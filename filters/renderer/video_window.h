@@ -7,40 +7,40 @@
 
 namespace brindlecast {
 
-/// The owner is told what the window's procedure sees. Called on the window's thread.
+// The owner is told what the window's procedure sees. Called on the window's thread.
 class VideoWindowEvents {
 public:
-    /// The window must be drawn anew (uncovered, resized).
+    // The window must be drawn anew (uncovered, resized).
     virtual void OnPaintNeeded() = 0;
-    /// True when the drawing thread will fill the window; else it is filled black here.
+    // True when the drawing thread will fill the window; else it is filled black here.
     [[nodiscard]] virtual bool HasPicture() = 0;
 
 protected:
     ~VideoWindowEvents() = default;
 };
 
-/// The child window that shows the picture. It exists while it has an owner. The thread that called Create
-/// owns it; the other methods may be called on any thread, but only that one destroys it at once.
+// The child window that shows the picture. It exists while it has an owner. The thread that called Create
+// owns it; the other methods may be called on any thread, but only that one destroys it at once.
 class VideoWindow {
 public:
     VideoWindow(VideoWindowEvents& events, std::shared_ptr<WindowSlot> slot);
     ~VideoWindow();
 
-    /// Makes the window as a child of `owner`, as large as its client area, visible, or moves it there.
+    // Makes the window as a child of `owner`, as large as its client area, visible, or moves it there.
     [[nodiscard]] HRESULT Attach(HWND owner);
-    /// Hides the window, takes it from the drawing thread and destroys it.
+    // Hides the window, takes it from the drawing thread and destroys it.
     void Detach();
 
     [[nodiscard]] HWND Handle() const noexcept { return window_.load(); }
     [[nodiscard]] HWND Owner() const noexcept { return owner_.load(); }
 
-    /// Where mouse and key messages are posted; null posts none.
+    // Where mouse and key messages are posted; null posts none.
     void SetDrain(HWND drain) noexcept { drain_ = drain; }
     [[nodiscard]] HWND Drain() const noexcept { return drain_.load(); }
     void HideCursor(bool hide) noexcept { cursorHidden_ = hide; }
     [[nodiscard]] bool IsCursorHidden() const noexcept { return cursorHidden_.load(); }
 
-    /// Before the module is unloaded: takes the window class away if no window is left.
+    // Before the module is unloaded: takes the window class away if no window is left.
     static void ReleaseClass();
 
 private:

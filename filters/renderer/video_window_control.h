@@ -7,9 +7,9 @@
 
 namespace brindlecast {
 
-/// IVideoWindow. The window exists only while it has an owner, so what needs a window answers
-/// VFW_E_NOT_CONNECTED without a connection and E_UNEXPECTED without an owner. Palettes, border colours and a
-/// full-screen mode of its own are not offered (E_NOTIMPL).
+// IVideoWindow. The window exists only while it has an owner, so what needs a window answers
+// VFW_E_NOT_CONNECTED without a connection and E_UNEXPECTED without an owner. Palettes, border colours and a
+// full-screen mode of its own are not offered (E_NOTIMPL).
 class VideoWindowControl final : public DualFilterPart<IVideoWindow> {
 public:
     VideoWindowControl(BaseFilter& filter, RendererCore& core) : DualFilterPart(filter), core_(core) {}
@@ -20,7 +20,7 @@ public:
     STDMETHODIMP get_WindowStyle(LONG* style) override;
     STDMETHODIMP put_WindowStyleEx(LONG style) override;
     STDMETHODIMP get_WindowStyleEx(LONG* style) override;
-    /// The window is shown from the moment it has an owner until it is hidden; it never shows itself again.
+    // The window is shown from the moment it has an owner until it is hidden; it never shows itself again.
     STDMETHODIMP put_AutoShow(LONG autoShow) override;
     STDMETHODIMP get_AutoShow(LONG* autoShow) override;
     STDMETHODIMP put_WindowState(LONG state) override;

@@ -4,26 +4,26 @@
 
 namespace brindlecast {
 
-/// What the seeking interfaces of one source ask of it. Times in 100 ns on the graph's time line.
+// What the seeking interfaces of one source ask of it. Times in 100 ns on the graph's time line.
 class SeekTarget {
 public:
-    /// `asker` tells apart the objects through which one seek arrives. Null pointers: keep.
+    // `asker` tells apart the objects through which one seek arrives. Null pointers: keep.
     virtual HRESULT SeekTo(const void* asker, const LONGLONG* start, const LONGLONG* stop) = 0;
     virtual HRESULT ChangeRate(double rate) = 0;
-    /// 0 when unknown.
+    // 0 when unknown.
     [[nodiscard]] virtual LONGLONG SeekDuration() = 0;
     [[nodiscard]] virtual LONGLONG SeekPosition() = 0;
     [[nodiscard]] virtual LONGLONG SeekStop() = 0;
     [[nodiscard]] virtual double SeekRate() = 0;
-    /// The keyframe at or before a time, or the time itself without a table.
+    // The keyframe at or before a time, or the time itself without a table.
     [[nodiscard]] virtual LONGLONG KeyframeBefore(LONGLONG time) = 0;
 
 protected:
     ~SeekTarget() = default;
 };
 
-/// IMediaSeeking of a source, for its filter and for each pin; each is an asker of its own. The deriving
-/// class brings IUnknown. The only time format is TIME_FORMAT_MEDIA_TIME.
+// IMediaSeeking of a source, for its filter and for each pin; each is an asker of its own. The deriving
+// class brings IUnknown. The only time format is TIME_FORMAT_MEDIA_TIME.
 class SourceSeeking : public IMediaSeeking {
 public:
     explicit SourceSeeking(SeekTarget& target) : target_(target) {}

@@ -10,8 +10,8 @@
 
 namespace brindlecast {
 
-/// The file source and splitter. The state lock guards everything here but what streaming threads read, which
-/// does not change while they run: the list of streams, the queues, the file.
+// The file source and splitter. The state lock guards everything here but what streaming threads read, which
+// does not change while they run: the list of streams, the queues, the file.
 class SplitterFilter final : public BaseFilter,
                              public IFileSourceFilter,
                              public IAMStreamSelect,
@@ -39,7 +39,7 @@ public:
     STDMETHODIMP GetKeyFrameCount(UINT& count) override;
     STDMETHODIMP GetKeyFrames(const GUID* format, REFERENCE_TIME* keyFrames, UINT& count) override;
 
-    /// Of the chosen video stream. On the thread that connects pins and chooses streams.
+    // Of the chosen video stream. On the thread that connects pins and chooses streams.
     int STDMETHODCALLTYPE GetPictureRotation() override;
 
     HRESULT SeekTo(const void* asker, const LONGLONG* start, const LONGLONG* stop) override;
@@ -58,7 +58,7 @@ public:
     [[nodiscard]] std::vector<MediaType> TypesOf(int stream) const;
     void OnConnectedWhileActive(SplitterPin& pin);
     void OnDisconnectedWhileActive(SplitterPin& pin);
-    /// A delivery thread has handed on a packet.
+    // A delivery thread has handed on a packet.
     void OnDelivered();
 
 private:
@@ -75,7 +75,7 @@ private:
     // splitter_streaming.cpp
     void StartStreaming();
     void StopStreaming(bool flush);
-    /// Begins delivery anew at the segment, with a flush.
+    // Begins delivery anew at the segment, with a flush.
     void Restart();
     void ReadFile() noexcept;
     void ReadPackets();

@@ -17,9 +17,9 @@ using Microsoft::WRL::ComPtr;
 
 namespace {
 
-/// Sound that ends this long before the segment still goes out: decoders need it to get going.
+// Sound that ends this long before the segment still goes out: decoders need it to get going.
 constexpr DemuxTime kSoundWarmUp = 800'000;
-/// How long Stop waits for a receiver to let go by itself, in milliseconds.
+// How long Stop waits for a receiver to let go by itself, in milliseconds.
 constexpr DWORD kPatience = 30;
 
 const wchar_t* PinName(StreamKind kind) {
@@ -30,7 +30,7 @@ const wchar_t* PinName(StreamKind kind) {
     }
 }
 
-/// An apartment for the delivery thread, since receivers may use COM on it.
+// An apartment for the delivery thread, since receivers may use COM on it.
 class ComApartment {
 public:
     ComApartment() : entered_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))) {}
@@ -178,8 +178,8 @@ void SplitterPin::DeliverPackets() {
     }
 }
 
-/// Whether a packet goes out at all: sound and subtitles from before the segment do not, nothing from behind
-/// it does.
+// Whether a packet goes out at all: sound and subtitles from before the segment do not, nothing from behind
+// it does.
 SplitterPin::Outcome SplitterPin::Judge(const DemuxPacket& packet) const {
     if (!packet.start)
         return Outcome::Delivered;
@@ -263,8 +263,8 @@ void SplitterPin::AttachSideData(IMediaSample& sample, const DemuxPacket& packet
     }
 }
 
-/// The receiver takes no more. That is its right when it answers S_FALSE or has been stopped; anything else
-/// breaks playback, and the application must hear of it.
+// The receiver takes no more. That is its right when it answers S_FALSE or has been stopped; anything else
+// breaks playback, and the application must hear of it.
 void SplitterPin::ReportFailure(HRESULT result) {
     const bool expected = result == S_FALSE || result == VFW_E_WRONG_STATE || result == VFW_E_NOT_COMMITTED ||
                           result == VFW_E_NOT_CONNECTED || result == VFW_E_SAMPLE_REJECTED_EOS;

@@ -11,8 +11,8 @@ namespace brindlecast {
 
 class SplitterFilter;
 
-/// One output pin of the splitter, with its delivery thread. Control calls hold the filter's state lock; the
-/// thread takes packets from the filter's queues and never takes that lock.
+// One output pin of the splitter, with its delivery thread. Control calls hold the filter's state lock; the
+// thread takes packets from the filter's queues and never takes that lock.
 class SplitterPin final : public OutputPin, public SourceSeeking {
 public:
     SplitterPin(SplitterFilter& filter, StreamKind kind, int stream);
@@ -21,20 +21,20 @@ public:
     BRINDLECAST_COM_METHODS
 
     [[nodiscard]] StreamKind Kind() const noexcept { return kind_; }
-    /// Position in the list of streams, -1 when its delivery is switched off.
+    // Position in the list of streams, -1 when its delivery is switched off.
     [[nodiscard]] int Stream() const noexcept { return stream_; }
-    /// The stream that the pin stands for from now on. Its delivery must be stopped. A connected pin asks its
-    /// receiver first and fails with VFW_E_TYPE_NOT_ACCEPTED when that refuses. -1 switches off and leaves
-    /// the type.
+    // The stream that the pin stands for from now on. Its delivery must be stopped. A connected pin asks its
+    // receiver first and fails with VFW_E_TYPE_NOT_ACCEPTED when that refuses. -1 switches off and leaves
+    // the type.
     HRESULT SetStream(int stream);
 
-    /// Starts the thread: a new segment, then samples with discontinuity. The queue's reader must be open.
+    // Starts the thread: a new segment, then samples with discontinuity. The queue's reader must be open.
     void StartDelivery(const Segment& segment);
-    /// Waits for the thread. Its reader must be closed first. With `flush` the receiver is flushed around it;
-    /// without, only if the thread does not come out by itself.
+    // Waits for the thread. Its reader must be closed first. With `flush` the receiver is flushed around it;
+    // without, only if the thread does not come out by itself.
     void StopDelivery(bool flush);
     [[nodiscard]] bool IsDelivering() const noexcept { return thread_.joinable(); }
-    /// End of the last packet delivered, in media time.
+    // End of the last packet delivered, in media time.
     [[nodiscard]] DemuxTime DeliveredUpTo() const noexcept { return deliveredUpTo_.load(); }
 
 protected:

@@ -8,9 +8,9 @@
 
 namespace brindlecast {
 
-/// ILAVFSettings as a part of the filter, which brings IUnknown. Settings live in memory only. They are read
-/// by Load, but the queue limits take effect at once. What this splitter cannot do answers E_NOTIMPL when
-/// set; its getters tell how the splitter behaves.
+// ILAVFSettings as a part of the filter, which brings IUnknown. Settings live in memory only. They are read
+// by Load, but the queue limits take effect at once. What this splitter cannot do answers E_NOTIMPL when
+// set; its getters tell how the splitter behaves.
 class SplitterSettings : public ILAVFSettings {
 public:
     STDMETHODIMP SetRuntimeConfig(BOOL runtime) override;
@@ -63,7 +63,7 @@ protected:
 
     [[nodiscard]] StreamPreferences Preferences();
     [[nodiscard]] QueueLimits Limits();
-    /// The queue limits have changed.
+    // The queue limits have changed.
     virtual void OnLimitsChanged() = 0;
 
 private:

@@ -228,7 +228,7 @@ void SplitterFilter::OnDelivered() {
     }
 }
 
-/// Makes a pin stand for another stream, at the present position, without touching the other pins.
+// Makes a pin stand for another stream, at the present position, without touching the other pins.
 HRESULT SplitterFilter::SwitchStream(SplitterPin& pin, int stream) {
     // Another picture would need packets from before the next keyframe, which are not kept.
     if (pin.Kind() == StreamKind::Video && stream >= 0 && pin.IsConnected())

@@ -6,7 +6,7 @@
 namespace brindlecast {
 namespace {
 
-/// The subtype of a FOURCC; P010 has no name in every SDK.
+// The subtype of a FOURCC; P010 has no name in every SDK.
 constexpr GUID kSubtypeP010 = {0x30313050, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71}};
 
 constexpr PixelFormat kFormats[] = {PixelFormat::kNv12, PixelFormat::kP010, PixelFormat::kYv12,
@@ -46,7 +46,7 @@ bool IsEmpty(const RECT& rect) {
     return rect.right <= rect.left || rect.bottom <= rect.top;
 }
 
-/// An empty rectangle stands for the whole bitmap.
+// An empty rectangle stands for the whole bitmap.
 bool IsPicture(const RECT& rect, int width, int height) {
     return IsEmpty(rect) || (rect.left == 0 && rect.top == 0 && rect.right == width && rect.bottom == height);
 }

@@ -12,7 +12,7 @@ namespace {
 
 using Microsoft::WRL::ComPtr;
 
-/// One being filled, one on its way, one on the screen.
+// One being filled, one on its way, one on the screen.
 constexpr LONG kOutputBuffers = 3;
 constexpr LONG kOutputAlignment = 64;
 
@@ -33,12 +33,12 @@ REFERENCE_TIME FrameDurationOf(const MediaType& type) {
     return std::clamp<REFERENCE_TIME>(duration, 0, 60 * kTime100nsPerSecond);
 }
 
-/// Colours and aspect may be told late or not at all; another size or memory layout must be agreed on.
+// Colours and aspect may be told late or not at all; another size or memory layout must be agreed on.
 bool NeedsNewMemory(const VideoShape& from, const VideoShape& to) {
     return from.width != to.width || from.height != to.height;
 }
 
-/// Fields come and go within a stream; a change of type for each would cost more than it tells.
+// Fields come and go within a stream; a change of type for each would cost more than it tells.
 bool LooksTheSame(VideoShape from, const VideoShape& to) {
     from.interlaceFlags = to.interlaceFlags;
     return from == to;
@@ -278,7 +278,7 @@ HRESULT VideoDecoderFilter::DeliverPicture(const VideoFrame& frame) {
     return FAILED(result) ? result : Output().Deliver(sample.Get());
 }
 
-/// Sees to it that the output's type fits the picture.
+// Sees to it that the output's type fits the picture.
 HRESULT VideoDecoderFilter::FollowPicture(const AVFrame& picture) {
     const Expected old = CurrentExpected();
     Expected now = old;
@@ -319,7 +319,7 @@ HRESULT VideoDecoderFilter::Propose(const Expected& expected, const std::vector<
     return VFW_E_TYPE_NOT_ACCEPTED;
 }
 
-/// A receiver may ask for another layout of its memory by a type on the buffer that it hands out.
+// A receiver may ask for another layout of its memory by a type on the buffer that it hands out.
 HRESULT VideoDecoderFilter::AdoptTypeOf(IMediaSample& sample) {
     AM_MEDIA_TYPE* asked = nullptr;
     if (sample.GetMediaType(&asked) != S_OK || !asked) {

@@ -13,8 +13,8 @@
 
 namespace brindlecast {
 
-/// The DirectShow filter around VideoDecoder. Pictures leave in the first of its formats that the receiver
-/// takes; the format changes in mid-stream when the pictures do and the receiver agrees.
+// The DirectShow filter around VideoDecoder. Pictures leave in the first of its formats that the receiver
+// takes; the format changes in mid-stream when the pictures do and the receiver agrees.
 class VideoDecoderFilter final : public TransformFilter,
                                  public VideoSettings,
                                  public ILAVVideoStatus,
@@ -27,7 +27,7 @@ public:
     STDMETHODIMP_(LPCWSTR) GetActiveDecoderName() override;
     STDMETHODIMP GetHWAccelActiveDevice(BSTR* device) override;
 
-    /// What the source says; decoding turns nothing.
+    // What the source says; decoding turns nothing.
     int STDMETHODCALLTYPE GetPictureRotation() override;
 
     HRESULT CheckInput(const MediaType& type) override;
@@ -48,8 +48,8 @@ protected:
     void* FindInterface(REFIID iid) noexcept override;
 
 private:
-    /// What the output's type was made for. Written on the streaming thread and at connection, read by type
-    /// checks of any thread.
+    // What the output's type was made for. Written on the streaming thread and at connection, read by type
+    // checks of any thread.
     struct Expected {
         VideoShape shape;
         AVPixelFormat format = AV_PIX_FMT_NONE;

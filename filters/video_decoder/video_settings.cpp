@@ -12,7 +12,7 @@ struct Offered {
     PixelFormat format;
 };
 
-/// The pixel formats that the decoder can make.
+// The pixel formats that the decoder can make.
 constexpr Offered kOffered[] = {
     {kLavPixelFormatNv12, PixelFormat::kNv12}, {kLavPixelFormatP010, PixelFormat::kP010},
     {kLavPixelFormatYv12, PixelFormat::kYv12}, {kLavPixelFormatYuy2, PixelFormat::kYuy2},
@@ -32,12 +32,12 @@ bool IsMethod(int method) {
     return method >= kLavHwAccelNone && method <= kLavHwAccelD3D11;
 }
 
-/// Number 2 is not in use.
+// Number 2 is not in use.
 bool IsHardwareCodec(int codec) {
     return codec >= kLavHwCodecH264 && codec <= kLavHwCodecAv1 && codec != 2;
 }
 
-/// For what the decoder does not do: leaving it off is fine, turning it on is not possible.
+// For what the decoder does not do: leaving it off is fine, turning it on is not possible.
 HRESULT OnlyOff(BOOL enabled) {
     return enabled ? E_NOTIMPL : S_OK;
 }

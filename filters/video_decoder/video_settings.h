@@ -9,9 +9,9 @@
 
 namespace brindlecast {
 
-/// The decoder's settings. Every method may be called on any thread at any time; what changes how a stream is
-/// set up takes effect with the next connection. A setter answers E_NOTIMPL where the decoder can't do what
-/// is asked for, and its getter tells what the decoder does. The class that derives brings IUnknown.
+// The decoder's settings. Every method may be called on any thread at any time; what changes how a stream is
+// set up takes effect with the next connection. A setter answers E_NOTIMPL where the decoder can't do what
+// is asked for, and its getter tells what the decoder does. The class that derives brings IUnknown.
 class VideoSettings : public ILAVVideoSettings {
 public:
     STDMETHODIMP SetRuntimeConfig(BOOL runtime) override;

@@ -31,6 +31,7 @@ def lint(is_long: bool) -> Counts:
     check("include order", ["python3", ROOT / "scripts/testing/lint_includes.py"])
     scripts = [path for path in tracked_scripts() if b"bash" in path.read_bytes().split(b"\n", 1)[0]]
     check("shell syntax", ["bash", "-c", 'for script in "$@"; do bash -n "$script" || exit 1; done', "syntax", *scripts])
+    check("shell checks", ["shellcheck", "--external-sources", "--severity=warning", *scripts])
     if counts.failed:
         raise LayerFailed("the tree breaks its rules", counts)
     return counts
@@ -146,7 +147,41 @@ def e2e(is_long: bool) -> Counts:
     make_media()
     command(["bash", "-c", "brindlecast_root=$PWD; . scripts/desktop/tools.sh; native_tool xdnd_source"],
             "compiling the source of drops", cwd=ROOT, stdout=subprocess.DEVNULL)
-    return run_windows(BUILD / "windows/test_bin/e2e_tests.exe", 1200, "e2e")
+    counts = selfcheck()
+    counts += run_command()
+    counts += run_windows(BUILD / "windows/test_bin/e2e_tests.exe", 1200, "e2e")
+    return counts
+
+
+def logged(name: str, arguments: list) -> tuple[int, list[str]]:
+    log = REPORTS / f"{name}.log"
+    log.parent.mkdir(parents=True, exist_ok=True)
+    with log.open("wb") as out:
+        outcome = subprocess.run([str(argument) for argument in arguments], stdout=out, stderr=subprocess.STDOUT,
+                                 stdin=subprocess.DEVNULL, cwd=ROOT)
+    return outcome.returncode, log.read_text(errors="replace").splitlines()
+
+
+def selfcheck() -> Counts:
+    """The measuring itself: right runs of another player pass, and black, frozen, shifted and silent ones fail."""
+    code, lines = logged("selfcheck", [ROOT / "tests/support/selfcheck"])
+    counts = Counts(passed=sum(line.startswith("ok: ") for line in lines),
+                    failed=sum(line.startswith("FAILED: ") for line in lines))
+    if code != 0 or counts.passed == 0:
+        print("\n".join(f"   | {line}" for line in lines[-40:]))
+        counts.failed = max(counts.failed, 1)
+        raise LayerFailed("the measuring set-up is wrong", counts)
+    return counts
+
+
+def run_command() -> Counts:
+    """./run as a user without a display would call it, on a film and on sound alone."""
+    files = [BUILD / "media" / name for name in ("film_1080p.mkv", "song_cover.mp3")]
+    code, lines = logged("run", [ROOT / "run", "--measure", *files])
+    if code != 0:
+        print("\n".join(f"   | {line}" for line in lines[-40:]))
+        raise LayerFailed("./run did not see and hear its files")
+    return Counts(passed=1)
 
 
 def tidy(is_long: bool) -> Counts:

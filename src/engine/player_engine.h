@@ -20,7 +20,7 @@ namespace brindlecast {
 
 class SubtitleManager;
 
-/// What is really decoding; fields that are not known stay empty or 0.
+// What is really decoding; fields that are not known stay empty or 0.
 struct MediaSummary {
     std::wstring videoCodec;  // "H264", "HEVC" or an upper-case four-character code
     std::wstring decoderName; // the video decoder's own word for what it uses
@@ -31,18 +31,18 @@ struct MediaSummary {
     double frameRate = 0.0;
 };
 
-/// Values of PlayerEngine::state.
+// Values of PlayerEngine::state.
 inline constexpr std::uint32_t kEngineStopped = 0;
 inline constexpr std::uint32_t kEnginePaused = 1;
 inline constexpr std::uint32_t kEngineRunning = 2;
 
-/// Owns the filter graph, which is built and torn down per file. It has no window and no lock: every
-/// operation runs on the main thread, which must be a single-threaded COM apartment. A null interface means
-/// that the thing is absent; every operation tests for it. Playback is reported by `events`, whose
-/// notification window the caller sets after each OpenFile.
+// Owns the filter graph, which is built and torn down per file. It has no window and no lock: every
+// operation runs on the main thread, which must be a single-threaded COM apartment. A null interface means
+// that the thing is absent; every operation tests for it. Playback is reported by `events`, whose
+// notification window the caller sets after each OpenFile.
 class PlayerEngine {
 public:
-    /// `settings` must outlive the engine.
+    // `settings` must outlive the engine.
     explicit PlayerEngine(SettingsStore& settings);
     PlayerEngine(const PlayerEngine&) = delete;
     PlayerEngine& operator=(const PlayerEngine&) = delete;
@@ -50,74 +50,74 @@ public:
 
     // Lifecycle.
 
-    /// Closes what is open and builds the graph for `path`, with its retries; playback does not start. False
-    /// leaves the engine closed. Blocks for the whole build.
+    // Closes what is open and builds the graph for `path`, with its retries; playback does not start. False
+    // leaves the engine closed. Blocks for the whole build.
     [[nodiscard]] bool OpenFile(const std::wstring& path);
-    /// Runs the graph. Out of memory under a hardware method other than D3D11 is answered by one rebuild with
-    /// D3D11.
+    // Runs the graph. Out of memory under a hardware method other than D3D11 is answered by one rebuild with
+    // D3D11.
     [[nodiscard]] bool Play();
-    /// Stops and releases one file's graph. Safe when nothing is open.
+    // Stops and releases one file's graph. Safe when nothing is open.
     void CloseGraph();
-    /// CloseGraph, then forgets the window and the modules, which stay loaded.
+    // CloseGraph, then forgets the window and the modules, which stay loaded.
     void Shutdown();
 
     // Position. Seconds; false or 0.0 without a graph.
 
     [[nodiscard]] Seconds GetDuration() const;
     [[nodiscard]] Seconds GetPosition() const;
-    /// Goes to the keyframe nearest to `seconds`, or exactly there when the file has no table. Goes on
-    /// running if it ran.
+    // Goes to the keyframe nearest to `seconds`, or exactly there when the file has no table. Goes on
+    // running if it ran.
     bool Seek(Seconds seconds);
-    /// Stays within 0.0 and the duration.
+    // Stays within 0.0 and the duration.
     bool SeekRelative(Seconds delta);
-    /// One keyframe back or on, or five seconds without a table.
+    // One keyframe back or on, or five seconds without a table.
     bool SeekPreviousKeyFrame();
     bool SeekNextKeyFrame();
-    /// 0.25 to 4.0; false, and no change, outside.
+    // 0.25 to 4.0; false, and no change, outside.
     bool SetRate(double newRate);
-    /// The ends of the repeated part, at the present position. Pressing again within a second of a mark
-    /// clears it.
+    // The ends of the repeated part, at the present position. Pressing again within a second of a mark
+    // clears it.
     void SetMarkA();
     void SetMarkB();
     void ClearMarks();
 
     // Sound.
 
-    /// Clamped to 0.0 to 1.0 and stored, also without a graph; true if the graph took it.
+    // Clamped to 0.0 to 1.0 and stored, also without a graph; true if the graph took it.
     bool SetVolume(float newVolume);
-    /// Stored; keeps `volume`.
+    // Stored; keeps `volume`.
     void SetMuted(bool mute);
     [[nodiscard]] int GetAudioTrackCount() const;
-    /// Counts audio streams alone, from 0; -1 if none is enabled.
+    // Counts audio streams alone, from 0; -1 if none is enabled.
     [[nodiscard]] int GetActiveAudioTrack() const;
     [[nodiscard]] std::wstring GetAudioTrackName(unsigned ordinal) const;
     bool SelectAudioTrack(unsigned ordinal);
-    /// Dynamic range compression, level 0 to 100; stored and applied at once. False, and nothing stored,
-    /// without decoder.
+    // Dynamic range compression, level 0 to 100; stored and applied at once. False, and nothing stored,
+    // without decoder.
     bool SetDRC(bool enabled, int level);
     [[nodiscard]] bool GetDRC(bool* enabled, std::uint32_t* level) const;
     void ToggleDRC();
     [[nodiscard]] int GetEmbeddedSubtitleCount() const;
     [[nodiscard]] std::wstring GetEmbeddedSubtitleName(int ordinal) const;
-    /// The stream index among all streams of the splitter, -1 if there is none of that ordinal.
+    // The stream index among all streams of the splitter, -1 if there is none of that ordinal.
     [[nodiscard]] int MapEmbeddedSubtitleStream(unsigned ordinal) const;
 
     // Picture.
 
-    /// Fits the picture into a host of the given size; `x` and `y` are ignored. False without a video window.
+    // Fits the picture into a host of the given size; `x` and `y` are ignored. False without a video window.
     bool SetRenderRect(int x, int y, int width, int height);
-    /// Fits the picture into videoHost again and repaints it.
+    // Fits the picture into videoHost again and repaints it.
     void RedrawVideo();
-    /// Degrees; rounded down to a quarter turn.
+    // Degrees; rounded down to a quarter turn.
     bool SetRotation(int degrees);
     bool SetFlipHorizontal(bool on);
     bool SetFlipVertical(bool on);
 
     [[nodiscard]] MediaSummary GetMediaSummary() const;
 
-    /// Loads a filter from a module file without registration. A loaded module replaces the reference held in
-    /// its field, so that one reference per module is kept; modules without a field keep one more reference
-    /// each time.
+    // Loads a filter from a module file without registration. A loaded module replaces the reference held in
+    // its field, so that one reference per module is kept; modules without a field keep one more reference
+    // each time.
     [[nodiscard]] HRESULT LoadFilterFromModule(const std::wstring& path, const CLSID& clsid,
                                                IBaseFilter** out);
 

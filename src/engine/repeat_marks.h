@@ -4,7 +4,7 @@
 
 namespace brindlecast {
 
-/// The ends of the repeated part. 0 means unset; `a` = kRepeatFromStart stands for the start of the file.
+// The ends of the repeated part. 0 means unset; `a` = kRepeatFromStart stands for the start of the file.
 struct RepeatMarks {
     Time100ns a = 0;
     Time100ns b = 0;
@@ -15,12 +15,12 @@ inline constexpr Time100ns kRepeatFromStart = 1;
 
 enum class MarkChange { None, Set, Cleared };
 
-/// What pressing A at `position` does: sets A, which drops a B that no longer lies behind it, or, less than a
-/// second from A, clears both.
+// What pressing A at `position` does: sets A, which drops a B that no longer lies behind it, or, less than a
+// second from A, clears both.
 [[nodiscard]] MarkChange PressMarkA(RepeatMarks& marks, Time100ns position);
 
-/// What pressing B at `position` does. Without A the start of the file becomes A, also when B itself stays
-/// unset because it would lie at most one second behind A. Within a second of B, clears B alone.
+// What pressing B at `position` does. Without A the start of the file becomes A, also when B itself stays
+// unset because it would lie at most one second behind A. Within a second of B, clears B alone.
 [[nodiscard]] MarkChange PressMarkB(RepeatMarks& marks, Time100ns position);
 
 } // namespace brindlecast

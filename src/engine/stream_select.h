@@ -12,8 +12,8 @@
 
 namespace brindlecast {
 
-/// What one stream of a splitter is. `known` is false when the splitter could not say; such a stream is
-/// passed over.
+// What one stream of a splitter is. `known` is false when the splitter could not say; such a stream is
+// passed over.
 struct StreamInfo {
     bool known = false;
     GUID majorType = GUID_NULL;
@@ -23,8 +23,8 @@ struct StreamInfo {
 
 enum class StreamKind { Audio, Subtitle };
 
-/// One look at the streams of a splitter, by their index among all streams. A null splitter, or one that
-/// offers no stream selection, has none.
+// One look at the streams of a splitter, by their index among all streams. A null splitter, or one that
+// offers no stream selection, has none.
 class StreamWalk {
 public:
     explicit StreamWalk(IBaseFilter* splitter);
@@ -33,14 +33,14 @@ public:
     [[nodiscard]] StreamInfo Info(DWORD index) const;
     HRESULT Enable(DWORD index, DWORD flags) const { return select->Enable(static_cast<long>(index), flags); }
 
-    /// How many streams are of that kind.
+    // How many streams are of that kind.
     [[nodiscard]] int CountOf(StreamKind kind) const;
-    /// The index of the stream that is number `ordinal`, from 0, among those of its kind; -1 if there is
-    /// none.
+    // The index of the stream that is number `ordinal`, from 0, among those of its kind; -1 if there is
+    // none.
     [[nodiscard]] int IndexOf(StreamKind kind, unsigned ordinal) const;
-    /// The ordinal of the first enabled stream of that kind, -1 if there is none.
+    // The ordinal of the first enabled stream of that kind, -1 if there is none.
     [[nodiscard]] int FirstEnabled(StreamKind kind) const;
-    /// Empty when there is no such stream or no name.
+    // Empty when there is no such stream or no name.
     [[nodiscard]] std::wstring NameOf(StreamKind kind, unsigned ordinal) const;
 
 private:

@@ -14,9 +14,9 @@ namespace brindlecast {
 
 class SubtitleManager;
 
-/// Draws the subtitle picture over the frame, on the video renderer's drawing thread and with the renderer's
-/// device. The renderer calls SetDevice11 and Render11 on its own threads, never at once; `manager` alone is
-/// written on the main thread.
+// Draws the subtitle picture over the frame, on the video renderer's drawing thread and with the renderer's
+// device. The renderer calls SetDevice11 and Render11 on its own threads, never at once; `manager` alone is
+// written on the main thread.
 class CMPCVR11SubtitleCallback final : public ISubRender11Callback {
 public:
     CMPCVR11SubtitleCallback() = default;
@@ -27,10 +27,10 @@ public:
     STDMETHODIMP_(ULONG) AddRef() override;
     STDMETHODIMP_(ULONG) Release() override;
 
-    /// Makes everything for `newDevice` that does not depend on a picture's size, and drops what belonged to
-    /// another. Null drops the device as well. E_FAIL when the device refuses anything.
+    // Makes everything for `newDevice` that does not depend on a picture's size, and drops what belonged to
+    // another. Null drops the device as well. E_FAIL when the device refuses anything.
     STDMETHODIMP SetDevice11(ID3D11Device* newDevice) override;
-    /// Answers 1, nothing drawn, as long as no manager is set.
+    // Answers 1, nothing drawn, as long as no manager is set.
     STDMETHODIMP Render11(REFERENCE_TIME start, REFERENCE_TIME stop, REFERENCE_TIME frameDuration, RECT video,
                           RECT originalVideo, RECT viewport, double stretch, int xOffset,
                           DWORD flags) override;

@@ -28,7 +28,7 @@ void Require(bool condition) {
     }
 }
 
-/// FLAC gives back what went in, so that every sample can be checked at its place.
+// FLAC gives back what went in, so that every sample can be checked at its place.
 SoundStream MakeFlac(int frames) {
     const AVCodec* codec = avcodec_find_encoder(AV_CODEC_ID_FLAC);
     const CodecContextPtr encoder(avcodec_alloc_context3(codec));

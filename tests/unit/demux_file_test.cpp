@@ -26,12 +26,12 @@ constexpr const char* kPicture = "-f lavfi -i testsrc2=s=64x36:r=25 ";
 constexpr const char* kSound = "-f lavfi -i sine=r=48000 ";
 constexpr const char* kH264 = "-c:v libx264 -preset ultrafast -bf 2 -b_strategy 0 -g 50 -sc_threshold 0 ";
 
-/// A folder of files that lives as long as the test program.
+// A folder of files that lives as long as the test program.
 class Media {
 public:
     static std::string Path(const std::string& name) { return (Instance().folder_ / name).string(); }
 
-    /// Runs ffmpeg once per name; the name's ending decides the container.
+    // Runs ffmpeg once per name; the name's ending decides the container.
     static std::string Make(const std::string& name, const std::string& arguments) {
         const std::string path = Path(name);
         if (!std::filesystem::exists(path)) {
@@ -80,7 +80,7 @@ std::vector<DemuxTime> TableOf(const std::string& path) {
     return file->Keyframes();
 }
 
-/// Presentation times of the keyframe packets, by reading the whole file.
+// Presentation times of the keyframe packets, by reading the whole file.
 std::vector<DemuxTime> KeyframesByReading(const std::string& path) {
     const auto file = OpenFile(path);
     const int video = FirstOf(*file, StreamKind::Video);

@@ -26,7 +26,7 @@ DemuxPacket Packet(int stream, int number, int bytes = 100) {
     return packet;
 }
 
-/// Streams: 0 video, 1 and 2 sound, 3 subtitles.
+// Streams: 0 video, 1 and 2 sound, 3 subtitles.
 class DemuxQueue : public testing::Test {
 protected:
     void SetUp() override {
@@ -36,7 +36,7 @@ protected:
         queues.OpenReader(StreamKind::Audio, 1, kFromTheStart);
     }
 
-    /// Number of the packet that the reader gets, or -1 for anything else.
+    // Number of the packet that the reader gets, or -1 for anything else.
     int PopNumber(StreamKind kind) {
         SharedPacket packet;
         if (queues.Pop(kind, packet) != PopResult::Packet)
@@ -44,7 +44,7 @@ protected:
         return static_cast<int>(*packet->start / kFrame);
     }
 
-    /// Pushes on a thread of its own until the queues are closed; counts.
+    // Pushes on a thread of its own until the queues are closed; counts.
     void Feed(int videoBytes, bool withSound) {
         feeder = std::thread([this, videoBytes, withSound] {
             for (int i = 0;; ++i) {
@@ -57,7 +57,7 @@ protected:
         });
     }
 
-    /// The number pushed once it no longer grows.
+    // The number pushed once it no longer grows.
     int PushedAtRest() {
         int before = -1;
         while (before != pushed || before == 0) {

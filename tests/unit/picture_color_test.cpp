@@ -5,7 +5,7 @@
 namespace brindlecast {
 namespace {
 
-/// Half a code of chroma, amplified by the matrix.
+// Half a code of chroma, amplified by the matrix.
 constexpr double kTolerance = 0.009;
 
 std::array<double, 3> Apply(const ColorMatrix& matrix, double a, double b, double c) {
@@ -61,7 +61,7 @@ TEST(PictureColorTest, UnknownsGoBySize) {
     EXPECT_EQ(WithDefaults(known, {320, 180}), known);
 }
 
-/// Codes from the tables of BT.601 and BT.709 for saturated colours.
+// Codes from the tables of BT.601 and BT.709 for saturated colours.
 TEST(PictureColorTest, KnownCodes) {
     const auto at = [](int code) {
         return code / 255.0;

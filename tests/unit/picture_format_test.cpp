@@ -62,7 +62,7 @@ TEST(PictureFormatTest, AnOddCropTakesThePixelBefore) {
     EXPECT_EQ(layout.planes[1].width, 9);
 }
 
-/// No plane of any format and crop reaches outside the memory it was computed for.
+// No plane of any format and crop reaches outside the memory it was computed for.
 TEST(PictureFormatTest, PlanesStayInside) {
     for (const PixelFormat format : {PixelFormat::kNv12, PixelFormat::kP010, PixelFormat::kYv12,
                                      PixelFormat::kYuy2, PixelFormat::kAyuv, PixelFormat::kRgb32}) {

@@ -25,7 +25,7 @@ TEST(PictureGeometryTest, DisplaySizeKeepsTheHeight) {
     EXPECT_EQ(DisplaySize({1920, 1080}, 2147483647, 1, 0).width, kMaxPictureSide);
 }
 
-/// The stored corners that stand at top left, top right, bottom left, bottom right.
+// The stored corners that stand at top left, top right, bottom left, bottom right.
 TEST(PictureGeometryTest, CornersUnderRotationAndFlip) {
     const TextureCoordinate tl{0, 0};
     const TextureCoordinate tr{1, 0};

@@ -13,7 +13,7 @@ namespace {
 
 struct Decoded {
     std::vector<VideoFrame> frames;
-    /// How many frames had come when the packet of that number had gone in.
+    // How many frames had come when the packet of that number had gone in.
     std::vector<std::size_t> countAfterPacket;
 };
 
@@ -37,7 +37,7 @@ Decoded DecodeFrom(VideoDecoder& decoder, const VideoTestStream& stream, std::si
     return decoded;
 }
 
-/// The frames must be the reference's from `firstPicture` on: same number, times and samples.
+// The frames must be the reference's from `firstPicture` on: same number, times and samples.
 void ExpectPictures(const Decoded& decoded, const VideoTestStream& stream, std::size_t firstPicture,
                     Time100ns segmentStart) {
     ASSERT_EQ(decoded.frames.size(), stream.pictures.size() - firstPicture);

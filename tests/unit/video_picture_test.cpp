@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::uint8_t kUntouched = 0xA5;
 
-/// A picture in a buffer whose rows are longer and more than the picture's, and what lies behind the buffer.
+// A picture in a buffer whose rows are longer and more than the picture's, and what lies behind the buffer.
 struct Written {
     std::vector<std::uint8_t> bytes;
     PictureBuffer buffer;
@@ -133,7 +133,7 @@ TEST(VideoPicture, P010HasTheBitsAtTheTop) {
     }
 }
 
-/// Grey of one value, with chroma that differs.
+// Grey of one value, with chroma that differs.
 FramePtr Uniform(AVPixelFormat format, int y, int u, int v) {
     FramePtr picture = MakeTestPicture(format, 32, 16, 0);
     const int values[] = {y, u, v};

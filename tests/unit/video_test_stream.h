@@ -20,8 +20,8 @@ struct EncodedPacket {
     bool keyframe = false;
 };
 
-/// A stream made by one of the library's own encoders, and what the library decodes of it by itself with one
-/// thread.
+// A stream made by one of the library's own encoders, and what the library decodes of it by itself with one
+// thread.
 struct VideoTestStream {
     ParametersPtr parameters;
     std::vector<EncodedPacket> packets; // in decoding order
@@ -41,14 +41,14 @@ struct VideoTestStreamOptions {
 
 [[nodiscard]] bool CanEncode(AVCodecID codec);
 
-/// 25 pictures a second, each different from the others. Throws std::runtime_error when the encoder fails.
+// 25 pictures a second, each different from the others. Throws std::runtime_error when the encoder fails.
 [[nodiscard]] VideoTestStream MakeVideoTestStream(const VideoTestStreamOptions& options);
 
-/// A picture of that format with a pattern in which no two rows, columns or planes are equal; `seed` moves
-/// it.
+// A picture of that format with a pattern in which no two rows, columns or planes are equal; `seed` moves
+// it.
 [[nodiscard]] FramePtr MakeTestPicture(AVPixelFormat format, int width, int height, int seed);
 
-/// All samples of the visible picture, plane by plane, without padding.
+// All samples of the visible picture, plane by plane, without padding.
 [[nodiscard]] std::vector<std::uint8_t> PictureContent(const AVFrame& picture);
 
 } // namespace brindlecast

@@ -12,24 +12,24 @@
 
 namespace brindlecast {
 
-/// The decoder in a graph between a source of packets and a sink, connected and paused.
+// The decoder in a graph between a source of packets and a sink, connected and paused.
 class AudioBench {
 public:
     using Accepts = std::function<bool(const MediaType&)>;
-    /// Called with the decoder before it is connected.
+    // Called with the decoder before it is connected.
     using Prepare = std::function<void(ILAVAudioSettings&)>;
 
     explicit AudioBench(const MediaStream& stream, Accepts accepts = {}, const Prepare& prepare = {});
     ~AudioBench();
 
-    /// Pushes packets from `first` to before `end` (all by default), in a segment that begins at
-    /// `segmentStart`.
+    // Pushes packets from `first` to before `end` (all by default), in a segment that begins at
+    // `segmentStart`.
     void PushFrom(const MediaStream& stream, std::size_t first, Time100ns segmentStart,
                   std::size_t end = SIZE_MAX);
     HRESULT Push(const MediaPacket& packet, Time100ns segmentStart);
     void EndOfStream();
 
-    /// The format that samples have.
+    // The format that samples have.
     [[nodiscard]] AudioFormat OutputFormat();
     [[nodiscard]] ILAVAudioStatus& Status() { return *status_.Get(); }
     [[nodiscard]] ILAVAudioSettings& Settings() { return *settings_.Get(); }
@@ -44,17 +44,17 @@ private:
     Microsoft::WRL::ComPtr<ILAVAudioSettings> settings_;
 };
 
-/// The loaded LAVAudio.ax.
+// The loaded LAVAudio.ax.
 [[nodiscard]] TestModule& AudioModule();
 
-/// Accepts sound of that kind only.
+// Accepts sound of that kind only.
 [[nodiscard]] AudioBench::Accepts Only(SampleKind kind);
 
-/// All bytes of samples, one after the other.
+// All bytes of samples, one after the other.
 [[nodiscard]] std::vector<BYTE> Joined(const std::vector<RecordingSink::Sample>& samples);
 
-/// What the library decodes of a stream, interleaved in its own sample format (planar becomes packed), from
-/// `firstPacket` on.
+// What the library decodes of a stream, interleaved in its own sample format (planar becomes packed), from
+// `firstPacket` on.
 [[nodiscard]] std::vector<BYTE> DecodedSound(const MediaStream& stream, std::size_t firstPacket = 0);
 
 } // namespace brindlecast

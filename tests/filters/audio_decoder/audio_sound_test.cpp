@@ -15,14 +15,14 @@ namespace {
 
 using brindlecast::testing::Recording;
 
-/// 16-bit stereo as the tone analysis wants it.
+// 16-bit stereo as the tone analysis wants it.
 Recording AsRecording(const std::vector<BYTE>& bytes, int rate) {
     std::vector<std::int16_t> samples(bytes.size() / 2);
     std::memcpy(samples.data(), bytes.data(), samples.size() * 2);
     return brindlecast::testing::SplitStereo(samples, rate);
 }
 
-/// Samples follow each other without gap and overlap, from `first` on.
+// Samples follow each other without gap and overlap, from `first` on.
 void ExpectContinuous(const std::vector<RecordingSink::Sample>& samples, Time100ns first,
                       const AudioFormat& format) {
     ASSERT_FALSE(samples.empty());
@@ -37,8 +37,8 @@ void ExpectContinuous(const std::vector<RecordingSink::Sample>& samples, Time100
     }
 }
 
-/// True when floats are the same sound: codecs with random noise in them differ a little from run to run, far
-/// less than a shift by one sample would make.
+// True when floats are the same sound: codecs with random noise in them differ a little from run to run, far
+// less than a shift by one sample would make.
 bool IsSameSound(const BYTE* a, const BYTE* b, std::size_t bytes) {
     double difference = 0.0;
     double energy = 0.0;
@@ -57,8 +57,8 @@ struct Song {
     const wchar_t* file;
     SampleKind natural;
     const char* codec;
-    /// Position in the film of the file's first sample: priming that the container can't tell comes before
-    /// it.
+    // Position in the film of the file's first sample: priming that the container can't tell comes before
+    // it.
     double startsAt = 0.0;
 };
 

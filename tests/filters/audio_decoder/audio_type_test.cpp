@@ -10,7 +10,7 @@ namespace {
 
 using Microsoft::WRL::ComPtr;
 
-/// Raw 16-bit sound as a compressed stream: what the decoder makes of it is known without a library.
+// Raw 16-bit sound as a compressed stream: what the decoder makes of it is known without a library.
 MediaStream RawSound(int channels, std::uint32_t mask, int frames) {
     MediaStream stream;
     AudioFormat format{SampleKind::kSigned16, 48'000, channels, mask};

@@ -30,7 +30,7 @@ TestModule& SwitcherModule() {
     return module;
 }
 
-/// One block of a sine, `number` blocks from the beginning, equal in all channels.
+// One block of a sine, `number` blocks from the beginning, equal in all channels.
 std::vector<BYTE> Sine(const AudioFormat& format, double amplitude, int number) {
     std::vector<BYTE> bytes;
     for (int i = 0; i < kBlock; ++i) {
@@ -51,7 +51,7 @@ std::vector<BYTE> Sine(const AudioFormat& format, double amplitude, int number) 
     return bytes;
 }
 
-/// The largest absolute sample as a part of full scale.
+// The largest absolute sample as a part of full scale.
 double Peak(const AudioFormat& format, const std::vector<BYTE>& bytes) {
     double peak = 0.0;
     const auto size = static_cast<std::size_t>(BytesPerSample(format.kind));
@@ -99,7 +99,7 @@ public:
         return source->Push(bytes.data(), bytes.size(), options);
     }
 
-    /// Pushes blocks of a sine and gives back the peak of the last one that came out.
+    // Pushes blocks of a sine and gives back the peak of the last one that came out.
     double PushSine(const AudioFormat& format, double amplitude, int blocks) {
         for (int i = 0; i < blocks; ++i) {
             EXPECT_EQ(Push(Sine(format, amplitude, i), LengthOf(std::int64_t{i} * kBlock, kRate)), S_OK);

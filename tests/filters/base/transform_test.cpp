@@ -20,7 +20,7 @@ constexpr CLSID kClsidDoubler = {
 constexpr GUID kRaw = {0x1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
 constexpr GUID kOther = {0x2, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
 
-/// Sends every sample on, twice as long.
+// Sends every sample on, twice as long.
 class Doubler final : public TransformFilter {
 public:
     Doubler() : TransformFilter(kClsidDoubler, L"In", L"Out") {}

@@ -7,7 +7,7 @@ namespace {
 
 class ColorTest : public ::testing::TestWithParam<PictureKind> {};
 
-/// Flat areas of every format, matrix and range come to the screen within 2 of what they were made from.
+// Flat areas of every format, matrix and range come to the screen within 2 of what they were made from.
 TEST_P(ColorTest, BarsOnScreen) {
     const PictureKind kind = GetParam();
     RendererBench bench(kind, kind.width, kind.height);

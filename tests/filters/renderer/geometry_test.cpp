@@ -9,7 +9,7 @@ std::vector<std::uint8_t> Quadrants(const PictureKind& kind) {
     return MakePicture(kind, [&](int x, int y) { return QuadrantAt(x, y, kind.width, kind.height); });
 }
 
-/// The four quadrants as they stand on the screen, from top left by rows.
+// The four quadrants as they stand on the screen, from top left by rows.
 std::vector<Color> SeenQuadrants(const RendererBench& bench) {
     const Image screen = bench.Screen();
     const int w = screen.Width();
@@ -62,7 +62,7 @@ TEST(GeometryTest, RotationAndFlip) {
     }
 }
 
-/// Rotation and flip by themselves leave a paused picture as it is.
+// Rotation and flip by themselves leave a paused picture as it is.
 TEST(GeometryTest, OptionsDoNotRepaint) {
     PictureKind kind;
     RendererBench bench(kind, 300, 300);
@@ -118,7 +118,7 @@ struct Shape {
 
 class CircleTest : public ::testing::TestWithParam<Shape> {};
 
-/// A circle stays one whatever the sample aspect and the rotation.
+// A circle stays one whatever the sample aspect and the rotation.
 TEST_P(CircleTest, StaysRound) {
     const Shape shape = GetParam();
     PictureKind kind{Format::Nv12, Matrix::Bt601, false,        shape.width,
@@ -164,8 +164,8 @@ INSTANTIATE_TEST_SUITE_P(
                       Shape{360, 288, 16, 9, 0, 512, 288}, Shape{360, 288, 16, 9, 270, 288, 512},
                       Shape{352, 240, 4, 3, 0, 320, 240}, Shape{352, 240, 4, 3, 90, 240, 320}));
 
-/// A fine pattern that is made much smaller becomes its mean; every second pixel alone would be white or
-/// black.
+// A fine pattern that is made much smaller becomes its mean; every second pixel alone would be white or
+// black.
 TEST(GeometryTest, ReductionAverages) {
     PictureKind kind{Format::Rgb32, Matrix::Bt709, false, 1280, 720};
     RendererBench bench(kind, 200, 200);

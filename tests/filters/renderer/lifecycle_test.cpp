@@ -190,7 +190,7 @@ TEST(LifecycleTest, FewBuffersAreEnough) {
     EXPECT_EQ(sent.load(), 10);
 }
 
-/// Everything comes back: objects, window handles, kernel handles.
+// Everything comes back: objects, window handles, kernel handles.
 TEST(LifecycleTest, FiftyCyclesLeaveNothing) {
     PictureKind kind;
     const auto cycle = [&](int number) {

@@ -20,7 +20,7 @@ PicturePtr ToPicture(const PictureKind& kind, std::vector<std::uint8_t> bytes) {
     return picture;
 }
 
-/// Reads a texture of the device.
+// Reads a texture of the device.
 Image ReadTexture(const D3dDevice& device, ID3D11Texture2D* texture) {
     D3D11_TEXTURE2D_DESC description{};
     texture->GetDesc(&description);
@@ -40,7 +40,7 @@ Image ReadTexture(const D3dDevice& device, ID3D11Texture2D* texture) {
     return image;
 }
 
-/// Presents through a swap chain and keeps what its back buffer held.
+// Presents through a swap chain and keeps what its back buffer held.
 class WatchedSwapChain final : public Presenter {
 public:
     WatchedSwapChain(const D3dDevice& device, std::shared_ptr<WindowSlot> window, Image& seen)
@@ -66,7 +66,7 @@ private:
 
 class SwapChainColorTest : public ::testing::TestWithParam<PictureKind> {};
 
-/// The other presenter, in a top-level window: the same pixels in the back buffer.
+// The other presenter, in a top-level window: the same pixels in the back buffer.
 TEST_P(SwapChainColorTest, BarsInTheBackBuffer) {
     const PictureKind kind = GetParam();
     const HostWindow window(320, 180);
@@ -114,7 +114,7 @@ TEST(PresenterChoiceTest, ReadBackOnlyForChildrenUnderWine) {
     DestroyWindow(child);
 }
 
-/// Tells once that the device was lost.
+// Tells once that the device was lost.
 class LosingPresenter final : public Presenter {
 public:
     LosingPresenter(const D3dDevice& device, std::shared_ptr<WindowSlot> window, bool& lose)
@@ -165,7 +165,7 @@ TEST(DeviceLossTest, ANewDeviceShowsTheLastFrame) {
     subtitles.SetCallback(nullptr);
 }
 
-/// A prepared frame is not lost when a redraw of the shown one comes between.
+// A prepared frame is not lost when a redraw of the shown one comes between.
 TEST(PainterTest, RedrawBetweenPrepareAndShow) {
     const PictureKind kind;
     const HostWindow window(320, 180);

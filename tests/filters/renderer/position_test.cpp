@@ -27,8 +27,8 @@ TEST(PositionTest, FormatsAndUnconnected) {
     EXPECT_EQ(flags->GetMiscFlags(), static_cast<ULONG>(AM_FILTER_MISC_FLAGS_IS_RENDERER));
 }
 
-/// Paused: the shown frame. Running: segment start + (clock - start) * rate. At the end: the end of the last
-/// frame.
+// Paused: the shown frame. Running: segment start + (clock - start) * rate. At the end: the end of the last
+// frame.
 TEST(PositionTest, FollowsFrameThenClock) {
     PictureKind kind;
     RendererBench bench(kind);

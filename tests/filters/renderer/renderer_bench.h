@@ -16,10 +16,10 @@ namespace brindlecast::test {
 
 using Microsoft::WRL::ComPtr;
 
-/// The module, loaded once for the whole program.
+// The module, loaded once for the whole program.
 [[nodiscard]] TestModule& RendererModule();
 
-/// The renderer behind a push source in a system graph, with a host window.
+// The renderer behind a push source in a system graph, with a host window.
 class RendererBench {
 public:
     explicit RendererBench(const PictureKind& kind, int width = 400, int height = 300);
@@ -27,20 +27,20 @@ public:
     RendererBench& operator=(const RendererBench&) = delete;
     ~RendererBench();
 
-    /// Gives the renderer its window: the whole host.
+    // Gives the renderer its window: the whole host.
     void AttachWindow();
-    /// Places window and picture as a player does.
+    // Places window and picture as a player does.
     void Place(int width, int height, const RECT& picture);
     [[nodiscard]] HWND RendererWindow() const { return GetWindow(host.Handle(), GW_CHILD); }
 
-    /// Sends one frame on this thread.
+    // Sends one frame on this thread.
     HRESULT Push(const std::vector<std::uint8_t>& picture, std::int64_t start, std::int64_t stop);
-    /// Pauses, sends one frame and waits until the filter is ready.
+    // Pauses, sends one frame and waits until the filter is ready.
     void ShowPaused(const std::vector<std::uint8_t>& picture);
-    /// Waits until the screen shows `expected` at a place of the renderer's window; the colour seen last is
-    /// returned.
+    // Waits until the screen shows `expected` at a place of the renderer's window; the colour seen last is
+    // returned.
     [[nodiscard]] Color WaitForColor(int x, int y, const Color& expected, int tolerance = 2);
-    /// Serves messages until the graph tells an event of that code.
+    // Serves messages until the graph tells an event of that code.
     [[nodiscard]] bool WaitForEvent(long code, int milliseconds) const {
         return PumpUntil([&] { return graph->WaitForEvent(code, 20); }, milliseconds);
     }
@@ -58,7 +58,7 @@ public:
     ComPtr<ISubRender11> subtitles;
 };
 
-/// A thread that pushes frames until it is told off; joined at the end.
+// A thread that pushes frames until it is told off; joined at the end.
 class Pusher {
 public:
     explicit Pusher(std::function<void()> work) : thread_(std::move(work)) {}

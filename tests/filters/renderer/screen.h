@@ -17,10 +17,10 @@ struct Color {
 };
 std::ostream& operator<<(std::ostream& out, const Color& color);
 
-/// Largest difference of a channel.
+// Largest difference of a channel.
 [[nodiscard]] int Distance(const Color& a, const Color& b);
 
-/// A rectangle of pixels.
+// A rectangle of pixels.
 class Image {
 public:
     Image() = default;
@@ -30,7 +30,7 @@ public:
     [[nodiscard]] int Width() const { return width_; }
     [[nodiscard]] int Height() const { return height_; }
     [[nodiscard]] Color At(int x, int y) const;
-    /// 0x00RRGGBB from the top left.
+    // 0x00RRGGBB from the top left.
     [[nodiscard]] std::uint32_t* Data() { return pixels_.data(); }
 
 private:
@@ -39,15 +39,15 @@ private:
     std::vector<std::uint32_t> pixels_;
 };
 
-/// What the real screen shows in the client area of a window.
+// What the real screen shows in the client area of a window.
 [[nodiscard]] Image ReadScreen(HWND window);
 
-/// Serves this thread's messages until the condition holds; false when the time ran out.
+// Serves this thread's messages until the condition holds; false when the time ran out.
 [[nodiscard]] bool PumpUntil(const std::function<bool()>& condition, int milliseconds = 5000);
-/// Serves messages for that long.
+// Serves messages for that long.
 void Pump(int milliseconds);
 
-/// A top-level window that receives what a message drain receives.
+// A top-level window that receives what a message drain receives.
 class HostWindow {
 public:
     HostWindow(int width, int height);
@@ -63,7 +63,7 @@ public:
         WPARAM wParam;
         LPARAM lParam;
     };
-    /// Mouse and key messages that arrived.
+    // Mouse and key messages that arrived.
     std::vector<Message> messages;
 
 private:

@@ -11,8 +11,8 @@
 
 namespace brindlecast::test {
 
-/// A subtitle callback that draws a rectangle of one colour in the way that players do: with a texture, a
-/// vertex buffer, a blend state and a viewport of its own, without restoring anything.
+// A subtitle callback that draws a rectangle of one colour in the way that players do: with a texture, a
+// vertex buffer, a blend state and a viewport of its own, without restoring anything.
 class FakeSubtitles final : public ISubRender11Callback, public RefCounted {
 public:
     [[nodiscard]] static Microsoft::WRL::ComPtr<FakeSubtitles> Create();
@@ -32,10 +32,10 @@ public:
         DWORD flags;
     };
     [[nodiscard]] std::vector<Call> Calls();
-    /// One entry a call: true for a device, false for null.
+    // One entry a call: true for a device, false for null.
     [[nodiscard]] std::vector<bool> Devices();
 
-    /// Pixels of the render target that are to be covered.
+    // Pixels of the render target that are to be covered.
     RECT area{0, 0, 40, 20};
 
 private:

@@ -10,7 +10,7 @@ bool Same(const RECT& a, const RECT& b) {
     return EqualRect(&a, &b) != FALSE;
 }
 
-/// What half-transparent yellow over a colour gives.
+// What half-transparent yellow over a colour gives.
 Color UnderYellow(const Color& color) {
     return {128 + color.red / 2, 128 + color.green / 2, color.blue / 2};
 }
@@ -85,7 +85,7 @@ TEST(SubtitleTest, LetsGoWhenTheFilterGoes) {
     fake->ReleaseReference();
 }
 
-/// The callback's pictures are made for the window: a picture of another size is taken without it.
+// The callback's pictures are made for the window: a picture of another size is taken without it.
 TEST(SubtitleTest, NotCalledForTheCurrentImage) {
     PictureKind kind;
     RendererBench bench(kind);

@@ -39,8 +39,8 @@ void PushFilm(RendererBench& bench, int frames, std::int64_t duration) {
     bench.source->Pin().DeliverEndOfStream();
 }
 
-/// 50 frames at 25 a second, in order, each at its time. The bounds leave room for a machine that does other
-/// work as well; a renderer that does not wait, or waits for the wrong time, is far outside.
+// 50 frames at 25 a second, in order, each at its time. The bounds leave room for a machine that does other
+// work as well; a renderer that does not wait, or waits for the wrong time, is far outside.
 TEST(TimingTest, FramesInOrderAtTheirTime) {
     PictureKind kind;
     kind.width = 160;
@@ -81,7 +81,7 @@ TEST(TimingTest, FramesInOrderAtTheirTime) {
                 quality.dropped, quality.mean, quality.largest);
 }
 
-/// Frames that come too late are dropped, but the picture never stands still for long.
+// Frames that come too late are dropped, but the picture never stands still for long.
 TEST(TimingTest, LateFramesAreDroppedAndTheFilmGoesOn) {
     PictureKind kind;
     kind.width = 160;
@@ -105,7 +105,7 @@ TEST(TimingTest, LateFramesAreDroppedAndTheFilmGoesOn) {
     EXPECT_EQ(quality.drawn + quality.dropped, 31);
 }
 
-/// Frames before the segment's start are not shown, neither by their time nor by their mark.
+// Frames before the segment's start are not shown, neither by their time nor by their mark.
 TEST(TimingTest, PrerollIsNotShown) {
     PictureKind kind;
     RendererBench bench(kind);
@@ -140,7 +140,7 @@ TEST(TimingTest, WithoutAClockFramesGoOutAsTheyCome) {
     EXPECT_EQ(ReadQuality(bench.filter).drawn, 20);
 }
 
-/// A change of size and shape in the stream.
+// A change of size and shape in the stream.
 TEST(TimingTest, FormatChangeInTheStream) {
     PictureKind kind;
     RendererBench bench(kind);
@@ -164,8 +164,8 @@ TEST(TimingTest, FormatChangeInTheStream) {
     EXPECT_TRUE(bench.WaitForEvent(EC_VIDEO_SIZE_CHANGED, 2000));
 }
 
-/// Full HD at 30 frames a second. How many frames come depends on the machine and what else runs on it, so
-/// the numbers are recorded; that the film keeps moving and keeps its time does not depend on it.
+// Full HD at 30 frames a second. How many frames come depends on the machine and what else runs on it, so
+// the numbers are recorded; that the film keeps moving and keeps its time does not depend on it.
 TEST(TimingTest, FullHdKeepsItsTime) {
     PictureKind kind{Format::Nv12, Matrix::Bt709, false, 1920, 1080};
     kind.frameDuration = 333'333;

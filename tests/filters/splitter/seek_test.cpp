@@ -9,7 +9,7 @@ using Kind = RecordingSink::Kind;
 using Event = RecordingSink::Event;
 using Sample = RecordingSink::Sample;
 
-/// Waits until the sink has got a sample of a segment that starts there.
+// Waits until the sink has got a sample of a segment that starts there.
 bool WaitForSegment(RecordingSink& sink, LONGLONG start) {
     return sink.WaitFor([&](const std::vector<Event>& events) {
         bool inSegment = false;

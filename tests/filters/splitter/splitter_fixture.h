@@ -14,24 +14,24 @@ namespace brindlecast {
 constexpr LONGLONG kMillisecond = 10'000;
 constexpr LONGLONG kSecond = 10'000'000;
 
-/// The splitter with a file, in a graph without a clock, with recording sinks at its video and audio pins.
+// The splitter with a file, in a graph without a clock, with recording sinks at its video and audio pins.
 class SplitterRig {
 public:
     explicit SplitterRig(bool keepBytes = false);
     ~SplitterRig();
 
     HRESULT Load(const std::wstring& path);
-    /// Connects a sink to every pin there is; a failure ends the test by an exception.
+    // Connects a sink to every pin there is; a failure ends the test by an exception.
     void ConnectAll();
-    /// Loads a generated file and connects.
+    // Loads a generated file and connects.
     void Open(const std::wstring& name);
 
     [[nodiscard]] Microsoft::WRL::ComPtr<IPin> Pin(const wchar_t* name) const {
         return PinNamed(splitter.Get(), name);
     }
-    /// Seeks through the splitter's own interface, as one asker.
+    // Seeks through the splitter's own interface, as one asker.
     HRESULT Seek(LONGLONG target);
-    /// Every time the keyframe table holds.
+    // Every time the keyframe table holds.
     [[nodiscard]] std::vector<REFERENCE_TIME> Keyframes() const;
 
     struct StreamInfo {

@@ -4,7 +4,7 @@
 namespace brindlecast {
 namespace {
 
-/// Filters are used from an apartment like the player's main thread.
+// Filters are used from an apartment like the player's main thread.
 class ComEnvironment final : public ::testing::Environment {
 public:
     void SetUp() override { ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))); }

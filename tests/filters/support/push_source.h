@@ -6,10 +6,10 @@
 
 namespace brindlecast {
 
-/// A source with one output pin that delivers, on the calling thread, what a test hands it.
+// A source with one output pin that delivers, on the calling thread, what a test hands it.
 class PushSource final : public BaseFilter {
 public:
-    /// Offers these types, best first.
+    // Offers these types, best first.
     static Microsoft::WRL::ComPtr<PushSource> Create(std::vector<MediaType> types, LONG bufferSize = 1 << 20,
                                                      LONG bufferCount = 8);
 
@@ -26,9 +26,9 @@ public:
         std::vector<std::pair<GUID, std::vector<BYTE>>> sideData;
         const MediaType* formatChange = nullptr;
     };
-    /// Delivers one sample; the receiver's answer. Blocks as long as the receiver does.
+    // Delivers one sample; the receiver's answer. Blocks as long as the receiver does.
     HRESULT Push(const void* data, std::size_t size, const Options& options);
-    /// Flush downstream, then a new segment.
+    // Flush downstream, then a new segment.
     void FlushAndSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate);
 
 private:

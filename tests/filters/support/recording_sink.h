@@ -10,8 +10,8 @@
 
 namespace brindlecast {
 
-/// A renderer that writes down what arrives. It takes samples as fast as they come, unless told to block or
-/// refuse.
+// A renderer that writes down what arrives. It takes samples as fast as they come, unless told to block or
+// refuse.
 class RecordingSink final : public BaseFilter, public UpstreamSeeking {
 public:
     struct Sample {
@@ -28,12 +28,12 @@ public:
     enum class Kind { Sample, EndOfStream, BeginFlush, EndFlush, NewSegment };
     struct Event {
         Kind kind;
-        Sample sample;            ///< for Kind::Sample
-        BasePin::Segment segment; ///< for Kind::NewSegment
+        Sample sample;            // for Kind::Sample
+        BasePin::Segment segment; // for Kind::NewSegment
         DWORD thread = 0;
     };
 
-    /// Accepts types that `accepts` likes; without it every type of that major type.
+    // Accepts types that `accepts` likes; without it every type of that major type.
     static Microsoft::WRL::ComPtr<RecordingSink> Create(const GUID& majorType,
                                                         std::function<bool(const MediaType&)> accepts = {});
 
@@ -42,25 +42,25 @@ public:
     STDMETHODIMP Stop() override;
     STDMETHODIMP Run(REFERENCE_TIME start) override;
 
-    /// While set, Receive does not return until a flush, Stop or false.
+    // While set, Receive does not return until a flush, Stop or false.
     void Block(bool block);
-    /// What Receive answers instead of taking the sample, until S_OK.
+    // What Receive answers instead of taking the sample, until S_OK.
     void Refuse(HRESULT result);
-    /// Whether sample bytes are kept (default true).
+    // Whether sample bytes are kept (default true).
     void KeepBytes(bool keep) { keepBytes_ = keep; }
 
     [[nodiscard]] InputPin& Pin() noexcept;
     [[nodiscard]] std::vector<Event> Events();
-    /// The samples among the events since the last NewSegment or EndFlush.
+    // The samples among the events since the last NewSegment or EndFlush.
     [[nodiscard]] std::vector<Sample> SamplesOfSegment();
-    /// All samples.
+    // All samples.
     [[nodiscard]] std::vector<Sample> Samples();
     [[nodiscard]] std::size_t Count(Kind kind);
     void Clear();
-    /// Waits until `done` of the events holds; false when it takes longer.
+    // Waits until `done` of the events holds; false when it takes longer.
     bool WaitFor(const std::function<bool(const std::vector<Event>&)>& done, int milliseconds = 5000);
     bool WaitForCount(Kind kind, std::size_t count, int milliseconds = 5000);
-    /// True while Receive is being blocked.
+    // True while Receive is being blocked.
     [[nodiscard]] bool IsBlocking();
 
 private:

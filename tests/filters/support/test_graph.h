@@ -9,25 +9,25 @@
 
 namespace brindlecast {
 
-/// A system filter graph with shortcuts. Failures of set-up end the test by an exception. Main thread.
+// A system filter graph with shortcuts. Failures of set-up end the test by an exception. Main thread.
 class TestGraph {
 public:
     TestGraph();
     TestGraph(const TestGraph&) = delete;
     TestGraph& operator=(const TestGraph&) = delete;
-    /// Stops the graph, then lets it go.
+    // Stops the graph, then lets it go.
     ~TestGraph();
 
     void Add(IBaseFilter* filter, const wchar_t* name);
-    /// Connects two pins directly, with no filter between.
+    // Connects two pins directly, with no filter between.
     HRESULT ConnectDirect(IPin* from, IPin* to, const MediaType* type = nullptr);
-    /// Runs without a reference clock when called: renderers do not wait.
+    // Runs without a reference clock when called: renderers do not wait.
     void RemoveClock();
 
     HRESULT Run();
     HRESULT Pause();
     HRESULT Stop();
-    /// Waits for an event of that code while throwing others away; false when it takes longer.
+    // Waits for an event of that code while throwing others away; false when it takes longer.
     bool WaitForEvent(long code, int milliseconds = 5000);
 
     [[nodiscard]] IGraphBuilder* Graph() const { return graph_.Get(); }
@@ -41,12 +41,12 @@ private:
     Microsoft::WRL::ComPtr<IMediaSeeking> seeking_;
 };
 
-/// The filter's pins of a direction, in order.
+// The filter's pins of a direction, in order.
 [[nodiscard]] std::vector<Microsoft::WRL::ComPtr<IPin>> PinsOf(IBaseFilter* filter, PIN_DIRECTION direction);
-/// The output or input pin of that name, or null.
+// The output or input pin of that name, or null.
 [[nodiscard]] Microsoft::WRL::ComPtr<IPin> PinNamed(IBaseFilter* filter, const std::wstring& name);
 [[nodiscard]] std::wstring NameOf(IPin* pin);
-/// What a pin enumerates.
+// What a pin enumerates.
 [[nodiscard]] std::vector<MediaType> TypesOf(IPin* pin);
 
 } // namespace brindlecast

@@ -21,26 +21,26 @@ struct MediaPacket {
     bool keyframe = false;
     std::vector<std::pair<GUID, std::vector<BYTE>>> sideData;
 
-    /// How the packet travels in a segment that begins at `segmentStart`.
+    // How the packet travels in a segment that begins at `segmentStart`.
     [[nodiscard]] PushSource::Options In(Time100ns segmentStart) const;
 };
 
-/// One stream of a file, read whole by the demultiplexing library without any filter.
+// One stream of a file, read whole by the demultiplexing library without any filter.
 struct MediaStream {
     std::unique_ptr<AVCodecParameters, ParametersDeleter> parameters;
     std::vector<MediaType> types;
     std::vector<MediaPacket> packets; // in decoding order
     Time100ns frameDuration = 0;
 
-    /// The last packet at or before that time from which decoding can begin.
+    // The last packet at or before that time from which decoding can begin.
     [[nodiscard]] std::size_t KeyframeBefore(Time100ns time) const;
 };
 
-/// Reads the first stream of that kind. Throws std::runtime_error when the file can't be read.
+// Reads the first stream of that kind. Throws std::runtime_error when the file can't be read.
 [[nodiscard]] MediaStream ReadStream(const std::wstring& mediaName, AVMediaType kind);
 
-/// What the decoding library makes of the stream by itself, in one thread, from that packet on; pts in 100
-/// ns.
+// What the decoding library makes of the stream by itself, in one thread, from that packet on; pts in 100
+// ns.
 [[nodiscard]] std::vector<FramePtr> DecodeStream(const MediaStream& stream, std::size_t firstPacket = 0);
 
 } // namespace brindlecast

@@ -7,7 +7,7 @@
 namespace brindlecast {
 namespace {
 
-/// A sample of RGB32 as the sink got it: last row first.
+// A sample of RGB32 as the sink got it: last row first.
 brindlecast::testing::BgraView ViewOf(const std::vector<BYTE>& bytes, int width, int height) {
     const std::ptrdiff_t stride = std::ptrdiff_t{width} * 4;
     return {bytes.data() + stride * (height - 1), width, height, -stride};
@@ -48,7 +48,7 @@ TEST(VideoPictures, FrameNumbersRiseOneByOneInAnMp4) {
     }
 }
 
-/// Every output format is offered to a receiver that takes nothing else, and has the right size.
+// Every output format is offered to a receiver that takes nothing else, and has the right size.
 TEST(VideoPictures, EachFormatReachesAReceiverThatTakesNothingElse) {
     const MediaStream stream = ReadStream(L"short.mkv", AVMEDIA_TYPE_VIDEO);
     const std::pair<GUID, std::size_t> formats[] = {

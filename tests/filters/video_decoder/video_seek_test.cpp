@@ -17,7 +17,7 @@ protected:
     const MediaStream stream = ReadStream(L"film.mkv", AVMEDIA_TYPE_VIDEO);
     const std::vector<FramePtr> pictures = DecodeStream(stream);
 
-    /// The pictures at or after a time, as bytes.
+    // The pictures at or after a time, as bytes.
     [[nodiscard]] std::size_t FirstAtOrAfter(Time100ns time) const {
         std::size_t i = 0;
         while (i < pictures.size() && pictures[i]->pts < time) {

@@ -10,7 +10,7 @@ using Microsoft::WRL::ComPtr;
 const std::vector<GUID> kOrder = {MEDIASUBTYPE_NV12, kSubtypeP010,      MEDIASUBTYPE_YV12,
                                   MEDIASUBTYPE_YUY2, MEDIASUBTYPE_AYUV, MEDIASUBTYPE_RGB32};
 
-/// The subtypes that a filter offers with a format type, in order.
+// The subtypes that a filter offers with a format type, in order.
 std::vector<GUID> Offered(IBaseFilter* decoder, const GUID& formatType) {
     std::vector<GUID> subtypes;
     for (const MediaType& type : TypesOf(PinsOf(decoder, PINDIR_OUTPUT)[0].Get())) {
@@ -87,7 +87,7 @@ TEST(VideoTypes, AnamorphicPicturesKeepTheirShape) {
     }
 }
 
-/// Range (bits 12..14) and matrix (15..17) of the control flags after the first picture.
+// Range (bits 12..14) and matrix (15..17) of the control flags after the first picture.
 std::pair<int, int> ColoursOf(const wchar_t* name) {
     const MediaStream stream = ReadStream(name, AVMEDIA_TYPE_VIDEO);
     VideoBench bench(stream);

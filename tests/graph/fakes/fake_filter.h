@@ -17,7 +17,7 @@ namespace brindlecast::testing {
 
 using Microsoft::WRL::ComPtr;
 
-/// A media type of a fake pin.
+// A media type of a fake pin.
 struct FakeType {
     GUID major = GUID_NULL;
     GUID subtype = GUID_NULL;
@@ -25,18 +25,18 @@ struct FakeType {
     std::vector<BYTE> format;
 };
 
-/// An allocated copy, as a filter hands it out.
+// An allocated copy, as a filter hands it out.
 [[nodiscard]] AM_MEDIA_TYPE* AllocateType(const FakeType& type);
 void FillType(AM_MEDIA_TYPE& target, const FakeType& type);
 
-/// The compressed types that only the fake decoders take, and the plain ones that only renderers take.
+// The compressed types that only the fake decoders take, and the plain ones that only renderers take.
 [[nodiscard]] FakeType CompressedAudioType();
 [[nodiscard]] FakeType PlainAudioType();
 [[nodiscard]] FakeType PlainVideoType();
 
 class FakeFilter;
 
-/// A pin that connects when both sides know the type, and carries nothing. Lives as long as its filter.
+// A pin that connects when both sides know the type, and carries nothing. Lives as long as its filter.
 class FakePin final : public IPin {
 public:
     FakePin(FakeFilter& filter, std::wstring name, PIN_DIRECTION direction, std::vector<FakeType> types)
@@ -69,10 +69,10 @@ public:
     FakeType connectedType;
 };
 
-/// A filter that records what happens to it under its module's name, and answers by the script. Keys of the
-/// script begin with that name and a point: ".create", ".join", ".pause" (once connected), ".refuse"
-/// (connections of its inputs),
-/// ".refuseOutput", ".enumPins", and ".no" followed by the name of an interface.
+// A filter that records what happens to it under its module's name, and answers by the script. Keys of the
+// script begin with that name and a point: ".create", ".join", ".pause" (once connected), ".refuse"
+// (connections of its inputs),
+// ".refuseOutput", ".enumPins", and ".no" followed by the name of an interface.
 class FakeFilter : public IBaseFilter {
 public:
     FakeFilter(std::wstring moduleName, const CLSID& clsid);
@@ -96,12 +96,12 @@ public:
     STDMETHODIMP JoinFilterGraph(IFilterGraph* newGraph, LPCWSTR newName) override;
     STDMETHODIMP QueryVendorInfo(LPWSTR* info) override;
 
-    /// The script's number under this filter's name.
+    // The script's number under this filter's name.
     [[nodiscard]] long Script(const char* key, long absent = 0) const;
     [[nodiscard]] const wchar_t* ScriptText(const char* key) const;
-    /// Adds a line "Module.text".
+    // Adds a line "Module.text".
     void Record(RecordKind kind, const std::wstring& text) const;
-    /// The failure of a connection to an input, 0 when it may be made.
+    // The failure of a connection to an input, 0 when it may be made.
     [[nodiscard]] virtual long InputRefusal() const { return Script("refuse"); }
     [[nodiscard]] virtual long PauseFailure() const { return Script("pause"); }
     [[nodiscard]] std::wstring GraphName() const { return graphName; }
@@ -109,7 +109,7 @@ public:
     std::vector<std::unique_ptr<FakePin>> pins;
 
 protected:
-    /// The interface without a reference, or null.
+    // The interface without a reference, or null.
     [[nodiscard]] virtual void* FindInterface(REFIID) { return nullptr; }
     void AddPin(const wchar_t* name, PIN_DIRECTION direction, std::vector<FakeType> types) {
         pins.push_back(std::make_unique<FakePin>(*this, name, direction, std::move(types)));
@@ -128,9 +128,9 @@ private:
     std::atomic<FILTER_STATE> state{State_Stopped};
 };
 
-/// Makes the module's filter with one reference; each module defines it.
+// Makes the module's filter with one reference; each module defines it.
 [[nodiscard]] FakeFilter* MakeFakeFilter();
-/// The name that the script and the log know the module by, and its class; each module defines them.
+// The name that the script and the log know the module by, and its class; each module defines them.
 extern const char* const kFakeName;
 extern const CLSID kFakeClass;
 
