@@ -86,7 +86,7 @@ void DemuxFile::FindStart() {
         const AVStream& stream = *context_->streams[i];
         if (stream.start_time == AV_NOPTS_VALUE)
             continue;
-        if (av_rescale_q(stream.start_time, stream.time_base, AV_TIME_BASE_Q) == context_->start_time) {
+        if (av_rescale_q(stream.start_time, stream.time_base, av_get_time_base_q()) == context_->start_time) {
             start_ = av_rescale_q(stream.start_time, stream.time_base, kTimeUnit);
             return;
         }
