@@ -77,11 +77,11 @@ def native(is_long: bool) -> Counts:
 
 
 def fuzz(is_long: bool) -> Counts:
+    make_media()
     configure_and_build("native-fuzz")
     counts = Counts()
     for program in sorted((BUILD / "native-fuzz").rglob("*_fuzz")):
-        corpus = BUILD / "corpus" / program.name
-        corpus.mkdir(parents=True, exist_ok=True)
+        corpus = make_corpus(program.name)
         seconds = 600 if is_long else 10
         log = REPORTS / f"{program.name}.log"
         log.parent.mkdir(parents=True, exist_ok=True)
@@ -95,6 +95,17 @@ def fuzz(is_long: bool) -> Counts:
                               Counts(counts.passed, counts.failed + 1, counts.skipped))
         counts.passed += 1
     return counts
+
+
+def make_corpus(name: str) -> pathlib.Path:
+    """Where a target keeps what it has found; the demuxer's begins with the heads of real files."""
+    corpus = BUILD / "corpus" / name
+    corpus.mkdir(parents=True, exist_ok=True)
+    if name == "demux_fuzz":
+        for media in ("short.mkv", "no_cues.mkv", "faststart.mp4", "song.mp3", "song.flac", "tracks.mkv"):
+            with (BUILD / "media" / media).open("rb") as file:
+                (corpus / f"{media}.head").write_bytes(file.read(48 * 1024))
+    return corpus
 
 
 def run_windows(program: pathlib.Path, seconds: int, desktop: str = "tests") -> Counts:

@@ -85,8 +85,10 @@ TEST(GeometryTest, BlackOutsideThePicture) {
     PictureKind kind;
     RendererBench bench(kind, 400, 300);
     bench.AttachWindow();
-    bench.Place(400, 300, {0, 37, 400, 262});
     bench.ShowPaused(MakePicture(kind, kWhite));
+    EXPECT_LE(Distance(bench.WaitForColor(200, 10, kWhite), kWhite), 2) << "all of the window at first";
+    bench.Place(400, 300, {0, 37, 400, 262});
+    EXPECT_EQ(bench.WaitForColor(200, 10, kBlack, 0), kBlack) << "nothing of the larger picture is left";
     EXPECT_EQ(bench.WaitForColor(200, 150, kWhite), kWhite);
     const Image screen = bench.Screen();
     EXPECT_EQ(screen.At(200, 36), kBlack);
