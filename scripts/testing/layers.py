@@ -141,7 +141,8 @@ def filters(is_long: bool) -> Counts:
     counts = Counts()
     others = {"unit_tests", "e2e_tests"}
     failures = []
-    for program in sorted((BUILD / "windows/test_bin").glob("*_tests.exe")):
+    programs = sorted((BUILD / "windows/test_bin").glob("*_tests.exe")) + [BUILD / "windows/road_bin/road_tests.exe"]
+    for program in programs:
         if program.stem in others:
             continue
         try:

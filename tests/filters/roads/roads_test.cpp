@@ -1,0 +1,209 @@
+#include "base/trace.h"
+#include "engine/graph_pins.h"
+#include "engine/player_engine.h"
+#include "engine/stream_select.h"
+#include "filters/include/lav_audio.h"
+#include "filters/include/lav_video.h"
+#include "tests/support/fake_settings_store.h"
+
+#include <gtest/gtest.h>
+
+#include <evcode.h>
+#include <uuids.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <thread>
+
+namespace brindlecast {
+namespace {
+
+using std::chrono::milliseconds;
+using testing::FakeSettingsStore;
+
+// Makes GUIDs of the filters in a graph comparable as a whole, whatever their order.
+std::vector<std::wstring> SortedNames(std::vector<CLSID> identifiers) {
+    std::vector<std::wstring> names;
+    for (const CLSID& identifier : identifiers) {
+        std::array<wchar_t, 40> text{};
+        StringFromGUID2(identifier, text.data(), static_cast<int>(text.size()));
+        names.emplace_back(text.data());
+    }
+    std::ranges::sort(names);
+    return names;
+}
+
+class RoadTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        store.values[L"AudioNormalize"] = 0U;
+        SetTraceSink([this](std::wstring_view line) { lines.emplace_back(line); });
+        host = CreateWindowExW(0, L"STATIC", L"host", WS_POPUP | WS_VISIBLE, 0, 0, 640, 480, nullptr, nullptr,
+                               nullptr, nullptr);
+        engine = std::make_unique<PlayerEngine>(store);
+        engine->videoHost = host;
+    }
+    void TearDown() override {
+        engine.reset();
+        DestroyWindow(host);
+        SetTraceSink({});
+    }
+
+    [[nodiscard]] bool Open(const wchar_t* name) {
+        std::array<wchar_t, 1024> folder{};
+        GetEnvironmentVariableW(L"BRINDLECAST_MEDIA", folder.data(), static_cast<DWORD>(folder.size()));
+        return engine->OpenFile(std::wstring(folder.data()) + L"\\" + name);
+    }
+
+    [[nodiscard]] std::vector<std::wstring> FiltersInGraph() const {
+        std::vector<CLSID> identifiers;
+        ComPtr<IEnumFilters> filters;
+        EXPECT_EQ(engine->graph->EnumFilters(&filters), S_OK);
+        for (ComPtr<IBaseFilter> filter;
+             filters->Next(1, filter.ReleaseAndGetAddressOf(), nullptr) == S_OK;) {
+            CLSID identifier{};
+            filter->GetClassID(&identifier);
+            identifiers.push_back(identifier);
+        }
+        return SortedNames(identifiers);
+    }
+
+    [[nodiscard]] std::vector<std::wstring> SplitterPins() const {
+        std::vector<std::wstring> names;
+        std::vector<ComPtr<IPin>> pins;
+        EXPECT_EQ(ListPins(engine->splitter.Get(), PINDIR_OUTPUT, pins), S_OK);
+        for (const ComPtr<IPin>& pin : pins) {
+            names.push_back(PinName(pin.Get()));
+            EXPECT_FALSE(IsUnconnected(pin.Get())) << "an output of the splitter was left over";
+        }
+        return names;
+    }
+
+    [[nodiscard]] bool Traced(const std::wstring& line) const { return std::ranges::count(lines, line) > 0; }
+    [[nodiscard]] std::ptrdiff_t Builds() const {
+        return std::ranges::count_if(lines, [](const std::wstring& line) {
+            return line.find(L"Connection status") != std::wstring::npos;
+        });
+    }
+
+    // Serves window messages until the graph has told its end.
+    [[nodiscard]] bool WaitForEnd(milliseconds limit) const {
+        return PumpUntil(limit, [this] {
+            long code = 0;
+            LONG_PTR first = 0;
+            LONG_PTR second = 0;
+            while (SUCCEEDED(engine->events->GetEvent(&code, &first, &second, 0))) {
+                engine->events->FreeEventParams(code, first, second);
+                if (code == EC_COMPLETE) {
+                    return true;
+                }
+            }
+            return false;
+        });
+    }
+
+    static bool PumpUntil(milliseconds limit, const std::function<bool()>& condition) {
+        const auto end = std::chrono::steady_clock::now() + limit;
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > end) {
+                return false;
+            }
+            for (MSG message{}; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE;) {
+                DispatchMessageW(&message);
+            }
+            std::this_thread::sleep_for(milliseconds(5));
+        }
+        return true;
+    }
+
+    // Runs for a while and tells how far the position went, in seconds, and how long it took.
+    struct Progress {
+        Seconds position;
+        Seconds clock;
+    };
+    [[nodiscard]] Progress RunFor(milliseconds time) const {
+        EXPECT_TRUE(PumpUntil(milliseconds(5000), [this] { return engine->GetPosition() > 0.1; }));
+        const auto start = std::chrono::steady_clock::now();
+        const Seconds from = engine->GetPosition();
+        static_cast<void>(PumpUntil(time, [] { return false; }));
+        const Seconds to = engine->GetPosition();
+        return {to - from, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count()};
+    }
+
+    FakeSettingsStore store;
+    std::vector<std::wstring> lines;
+    HWND host = nullptr;
+    std::unique_ptr<PlayerEngine> engine;
+};
+
+TEST_F(RoadTest, AFilmWithThreeSoundAndFourSubtitleTracksIsConnectedWhole) {
+    ASSERT_TRUE(Open(L"tracks.mkv"));
+    EXPECT_EQ(SplitterPins(), (std::vector<std::wstring>{L"Video", L"Audio"}));
+    EXPECT_EQ(FiltersInGraph(),
+              SortedNames({kClsidLavSplitterSource, kClsidLavVideo, kClsidLavAudio, kClsidAudioSwitcher,
+                           kClsidMpcVideoRenderer, CLSID_DSoundRender}));
+    const StreamWalk streams(engine->splitter.Get());
+    EXPECT_EQ(streams.Count(), 8U);
+    EXPECT_EQ(streams.CountOf(StreamKind::Audio), 3);
+    EXPECT_EQ(streams.CountOf(StreamKind::Subtitle), 4);
+    EXPECT_EQ(streams.FirstEnabled(StreamKind::Audio), 0) << "the Korean one";
+    EXPECT_EQ(streams.FirstEnabled(StreamKind::Subtitle), -1);
+    EXPECT_NE(streams.NameOf(StreamKind::Audio, 1).find(L"영어 음성"), std::wstring::npos);
+    EXPECT_EQ(engine->keyFrames.size(), 5U);
+    EXPECT_TRUE(std::ranges::is_sorted(engine->keyFrames));
+    EXPECT_EQ(engine->frameRate, 25.0);
+    EXPECT_TRUE(engine->hasVideo);
+    EXPECT_EQ(Builds(), 1);
+    ASSERT_TRUE(engine->Play());
+    EXPECT_TRUE(Traced(L"[Brindlecast] Active Decoder: avcodec\n"));
+    const Progress progress = RunFor(milliseconds(1500));
+    EXPECT_NEAR(progress.position, progress.clock, 0.05);
+}
+
+TEST_F(RoadTest, SoundWithCoverArtIsBuiltTwiceAndPlaysToItsEnd) {
+    ASSERT_TRUE(Open(L"song_cover.mp3"));
+    EXPECT_EQ(SplitterPins(), std::vector<std::wstring>{L"Audio"});
+    EXPECT_FALSE(engine->hasVideo);
+    EXPECT_EQ(Builds(), 2) << "under hardware decoding, a second build tries software";
+    EXPECT_EQ(engine->hwAccel, 0U);
+    EXPECT_TRUE(engine->keyFrames.empty());
+    LONG width = -1;
+    LONG height = -1;
+    EXPECT_TRUE(FAILED(engine->basicVideo->GetVideoSize(&width, &height)));
+    EXPECT_EQ(width, -1) << "a failing call writes nothing";
+    EXPECT_EQ(GetWindow(host, GW_CHILD), nullptr) << "no picture, no window";
+    ASSERT_TRUE(engine->Play());
+    EXPECT_TRUE(engine->Seek(engine->GetDuration() - 1.0));
+    EXPECT_TRUE(WaitForEnd(milliseconds(6000)));
+}
+
+TEST_F(RoadTest, AFilmWithoutSoundLosesTheSoundFiltersAndRunsInRealTime) {
+    ASSERT_TRUE(Open(L"silent.mkv"));
+    EXPECT_EQ(SplitterPins(), std::vector<std::wstring>{L"Video"});
+    EXPECT_EQ(FiltersInGraph(), SortedNames({kClsidLavSplitterSource, kClsidLavVideo, kClsidAudioSwitcher,
+                                             kClsidMpcVideoRenderer}));
+    EXPECT_EQ(engine->lavAudio.Get(), nullptr);
+    EXPECT_NE(FindUnconnectedPin(engine->audioSwitcher.Get(), PINDIR_INPUT).Get(), nullptr);
+    ASSERT_TRUE(engine->Play());
+    const Progress progress = RunFor(milliseconds(1500));
+    EXPECT_NEAR(progress.position, progress.clock, 0.05);
+    EXPECT_TRUE(engine->Seek(9.0));
+    EXPECT_TRUE(WaitForEnd(milliseconds(6000)));
+}
+
+TEST_F(RoadTest, SeeksLandOnKeyframesAndCyclesLeaveNothing) {
+    for (int cycle = 0; cycle < 10; ++cycle) {
+        ASSERT_TRUE(Open(cycle % 2 == 0 ? L"film.mkv" : L"film.mp4"));
+        ASSERT_TRUE(engine->Play());
+        EXPECT_TRUE(engine->Seek(8.9));
+        EXPECT_NEAR(static_cast<double>(engine->keyFrames[4]) / 1e7, engine->GetPosition(), 0.3);
+        engine->CloseGraph();
+        EXPECT_EQ(GetWindow(host, GW_CHILD), nullptr) << "the renderer's window goes with its graph";
+    }
+}
+
+} // namespace
+} // namespace brindlecast
