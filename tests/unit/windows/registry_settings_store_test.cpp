@@ -18,8 +18,12 @@ protected:
     static void Remove() { RegDeleteKeyValueW(HKEY_CURRENT_USER, L"Software\\Brindlecast", kName); }
     static void Put(DWORD type, const std::vector<BYTE>& bytes) {
         const SettingsKey key(SettingsKey::Access::Write);
-        ASSERT_EQ(RegSetValueExW(key.Get(), kName, 0, type, bytes.data(), static_cast<DWORD>(bytes.size())),
-                  ERROR_SUCCESS);
+        // A text that ends without a zero is stored with one when memory happens to hold one right behind it.
+        std::vector<BYTE> followed = bytes;
+        followed.insert(followed.end(), {'x', 'x'});
+        ASSERT_EQ(
+            RegSetValueExW(key.Get(), kName, 0, type, followed.data(), static_cast<DWORD>(bytes.size())),
+            ERROR_SUCCESS);
     }
     static std::vector<BYTE> TextBytes(std::size_t byteCount) {
         std::vector<BYTE> bytes(byteCount, 0);
