@@ -139,10 +139,18 @@ bool Player::Play(const Film& film) {
     if (!WaitUntil(limits::kPicture, "title", [&] { return Title() == title; })) {
         return false;
     }
-    // The first reading may still be the picture of a former film; any other number is of this one.
+    // The first reading may still be the picture of a former film, the second the frame that stands until the
+    // clock runs.
     const std::optional<int> first = WaitForFrame(film);
-    return first && WaitUntil(limits::kReaction, "moving picture",
-                              [&] { return FrameOnScreen(film).value_or(*first) != *first; });
+    std::optional<int> second;
+    return first &&
+           WaitUntil(limits::kReaction, "another picture",
+                     [&] {
+                         second = FrameOnScreen(film);
+                         return second && *second != *first;
+                     }) &&
+           WaitUntil(limits::kReaction, "moving picture",
+                     [&] { return FrameOnScreen(film).value_or(*second) > *second; });
 }
 
 std::optional<DWORD> Player::Close() {
