@@ -27,21 +27,6 @@ void Report(const char* what, std::vector<double> milliseconds) {
                 milliseconds.front(), milliseconds.back());
 }
 
-double ProcessorSeconds(DWORD processId) {
-    const UniqueHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
-    FILETIME created{};
-    FILETIME ended{};
-    FILETIME kernel{};
-    FILETIME user{};
-    GetProcessTimes(process.Get(), &created, &ended, &kernel, &user);
-    const auto seconds = [](const FILETIME& time) {
-        return static_cast<double>((static_cast<std::uint64_t>(time.dwHighDateTime) << 32) |
-                                   time.dwLowDateTime) /
-               1e7;
-    };
-    return seconds(kernel) + seconds(user);
-}
-
 // Empty the key, so that no stored placement moves the window.
 class PlayerBench : public ProgramTest {};
 
@@ -96,18 +81,6 @@ TEST_F(PlayerBench, KeyToNewFrame) {
                spent);
         ASSERT_EQ(player.Close(), 0U);
     }
-}
-
-TEST_F(PlayerBench, ProcessorTimeAndFramesShown) {
-    Player player;
-    ASSERT_TRUE(player.Play(kLargeFilm));
-    const double before = ProcessorSeconds(player.ProcessId());
-    const auto start = Clock::now();
-    LetPlay(std::chrono::milliseconds(6000));
-    const double wall = MillisecondsSince(start) / 1000.0;
-    std::printf("%-52s %8.2f s\n", "processor time per played second, 1080p24",
-                (ProcessorSeconds(player.ProcessId()) - before) / wall);
-    ASSERT_EQ(player.Close(), 0U);
 }
 
 } // namespace
