@@ -23,12 +23,12 @@ TEST(RecentList, AKnownPathMovesAndCaseMatters) {
 
 TEST(RecentList, HoldsTenEntries) {
     std::vector<std::wstring> list;
-    for (int i = 0; i < 12; ++i) {
+    for (int i = 0; i < 11; ++i) {
         PutInFront(list, std::to_wstring(i));
     }
     EXPECT_EQ(list.size(), 10U);
-    EXPECT_EQ(list.front(), L"11");
-    EXPECT_EQ(list.back(), L"2");
+    EXPECT_EQ(list.front(), L"10");
+    EXPECT_EQ(list.back(), L"1");
 }
 
 TEST(VolumeStep, MovesByAFiveHundredthAndStaysInRange) {
