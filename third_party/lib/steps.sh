@@ -79,7 +79,7 @@ make_relocatable() {
         [[ -f $file ]] || continue
         sed -i -e "s|^prefix=.*|prefix=\${pcfiledir}/../..|" -e "s|^\(exec_prefix\)=.*|\1=\${prefix}|" \
             -e "s|^libdir=.*|libdir=\${prefix}/lib|" -e "s|^includedir=.*|includedir=\${prefix}/include|" \
-            -e "s|-L$work/deps/lib ||g" -e "s|-L$work/deps/lib$||" "$file"
+            -e "s| *-[LI]$work/[^ ]*||g" "$file"
         # shellcheck disable=SC2016
         if grep -q "$work" "$file"; then die "$library: $(basename "$file") names the folder of the build"; fi
     done
