@@ -15,7 +15,6 @@ inline constexpr milliseconds kStart{20'000};
 inline constexpr milliseconds kDialog{10'000};
 inline constexpr milliseconds kPicture{10'000};
 inline constexpr milliseconds kReaction{5'000};
-inline constexpr milliseconds kSoundStretch{14'000};
 inline constexpr milliseconds kExit{2'000};
 } // namespace limits
 
