@@ -21,11 +21,6 @@ using Microsoft::WRL::ComPtr;
 constexpr LONG kOutputBuffers = 8;
 constexpr int kBuffersPerSecond = 10;
 
-struct ParametersDeleter {
-    void operator()(AVCodecParameters* parameters) const noexcept { avcodec_parameters_free(&parameters); }
-};
-using ParametersPtr = std::unique_ptr<AVCodecParameters, ParametersDeleter>;
-
 LONG BufferBytes(const AudioFormat& format) {
     return static_cast<LONG>(format.BytesPerFrame() * std::max(format.sampleRate / kBuffersPerSecond, 1));
 }
@@ -52,6 +47,16 @@ void Give(T* out, T value) {
     }
 }
 
+// Null for what can't be decoded.
+std::unique_ptr<AudioDecoder> MakeDecoder(const MediaType& type) {
+    const ParametersPtr parameters(ParametersFromMediaType(type.Get()));
+    if (!parameters || parameters->codec_type != AVMEDIA_TYPE_AUDIO) {
+        return nullptr;
+    }
+    auto made = AudioDecoder::Create(*parameters);
+    return made && IsValid(made->NaturalFormat()) ? std::move(made) : nullptr;
+}
+
 } // namespace
 
 AudioDecoderFilter::AudioDecoderFilter() : TransformFilter(kClsidLavAudio, L"Input", L"Output") {}
@@ -72,25 +77,25 @@ STDMETHODIMP_(BOOL) AudioDecoderFilter::IsSampleFormatSupported(int format) {
 
 STDMETHODIMP AudioDecoderFilter::GetDecodeDetails(LPCSTR* codec, LPCSTR* format, int* channels,
                                                   int* sampleRate, DWORD* channelMask) {
-    const std::lock_guard lock(detailsLock_);
-    const Details details = details_.value_or(Details{});
-    Give(codec, details.codec);
-    Give(format, details_ ? NameOf(details.format.kind) : nullptr);
-    Give(channels, details.format.channels);
-    Give(sampleRate, details.format.sampleRate);
-    Give(channelMask, DWORD{details.format.channelMask});
-    return details_ ? S_OK : VFW_E_NOT_CONNECTED;
+    const std::lock_guard lock(detailsLock);
+    const Details known = details.value_or(Details{});
+    Give(codec, known.codec);
+    Give(format, details ? NameOf(known.format.kind) : nullptr);
+    Give(channels, known.format.channels);
+    Give(sampleRate, known.format.sampleRate);
+    Give(channelMask, DWORD{known.format.channelMask});
+    return details ? S_OK : VFW_E_NOT_CONNECTED;
 }
 
 STDMETHODIMP AudioDecoderFilter::GetOutputDetails(LPCSTR* format, int* channels, int* sampleRate,
                                                   DWORD* channelMask) {
-    const std::lock_guard lock(detailsLock_);
-    const AudioFormat output = output_.value_or(AudioFormat{});
-    Give(format, output_ ? NameOf(output.kind) : nullptr);
-    Give(channels, output.channels);
-    Give(sampleRate, output.sampleRate);
-    Give(channelMask, DWORD{output.channelMask});
-    return output_ ? S_OK : VFW_E_NOT_CONNECTED;
+    const std::lock_guard lock(detailsLock);
+    const AudioFormat current = output.value_or(AudioFormat{});
+    Give(format, output ? NameOf(current.kind) : nullptr);
+    Give(channels, current.channels);
+    Give(sampleRate, current.sampleRate);
+    Give(channelMask, DWORD{current.channelMask});
+    return output ? S_OK : VFW_E_NOT_CONNECTED;
 }
 
 STDMETHODIMP AudioDecoderFilter::EnableVolumeStats() {
@@ -107,56 +112,50 @@ HRESULT AudioDecoderFilter::CheckInput(const MediaType& type) {
     if (type->majortype != MEDIATYPE_Audio) {
         return VFW_E_TYPE_NOT_ACCEPTED;
     }
-    const ParametersPtr parameters(ParametersFromMediaType(type.Get()));
-    const bool known = parameters && parameters->codec_type == AVMEDIA_TYPE_AUDIO &&
-                       avcodec_find_decoder(parameters->codec_id) != nullptr;
-    return known ? S_OK : VFW_E_TYPE_NOT_ACCEPTED;
+    // By making one: knowing the codec is not enough, set-up data may be broken or the channels too many.
+    return MakeDecoder(type) ? S_OK : VFW_E_TYPE_NOT_ACCEPTED;
 }
 
 HRESULT AudioDecoderFilter::OnInputType(const MediaType& type) {
-    const ParametersPtr parameters(ParametersFromMediaType(type.Get()));
-    if (!parameters) {
+    auto newDecoder = MakeDecoder(type);
+    if (!newDecoder) {
         return VFW_E_TYPE_NOT_ACCEPTED;
     }
-    if (decoder_ && State() != State_Stopped) {
+    if (decoder && State() != State_Stopped) {
         const HRESULT drained = Drain();
         if (drained != S_OK) {
             return drained;
         }
     }
-    auto decoder = AudioDecoder::Create(*parameters);
-    if (!decoder || !IsValid(decoder->NaturalFormat())) {
-        return VFW_E_TYPE_NOT_ACCEPTED;
-    }
-    decoder->StartSegment(rate_);
-    decoder_ = std::move(decoder);
-    compression_ = 0.0;
+    newDecoder->StartSegment(rate);
+    decoder = std::move(newDecoder);
+    compression = 0.0;
     TellDetails();
     return S_OK;
 }
 
 void AudioDecoderFilter::OnInputDisconnected() {
-    decoder_.reset();
-    const std::lock_guard lock(detailsLock_);
-    details_.reset();
+    decoder.reset();
+    const std::lock_guard lock(detailsLock);
+    details.reset();
 }
 
 // The codec's own name, lower-case, as the library knows it.
 void AudioDecoderFilter::TellDetails() {
-    const Details details = {avcodec_get_name(decoder_->context().codec_id), decoder_->NaturalFormat()};
-    const std::lock_guard lock(detailsLock_);
-    details_ = details;
+    const Details newDetails = {avcodec_get_name(decoder->Context().codec_id), decoder->NaturalFormat()};
+    const std::lock_guard lock(detailsLock);
+    details = newDetails;
 }
 
 // What the decoder gives without loss comes first, then 16 bits, which every receiver takes.
 std::vector<AudioFormat> AudioDecoderFilter::Formats() {
     AudioFormat natural;
     {
-        const std::lock_guard lock(detailsLock_);
-        if (!details_) {
+        const std::lock_guard lock(detailsLock);
+        if (!details) {
             return {};
         }
-        natural = details_->format;
+        natural = details->format;
     }
     std::vector<AudioFormat> formats;
     for (const SampleKind kind : {natural.kind, SampleKind::kSigned16, SampleKind::kFloat32,
@@ -190,20 +189,20 @@ HRESULT AudioDecoderFilter::OnOutputType(const MediaType& type) {
     if (!format) {
         return VFW_E_TYPE_NOT_ACCEPTED;
     }
-    converter_.emplace(*format);
-    const std::lock_guard lock(detailsLock_);
-    output_ = *format;
+    converter.emplace(*format);
+    const std::lock_guard lock(detailsLock);
+    output = *format;
     return S_OK;
 }
 
 void AudioDecoderFilter::OnOutputDisconnected() {
-    converter_.reset();
-    const std::lock_guard lock(detailsLock_);
-    output_.reset();
+    converter.reset();
+    const std::lock_guard lock(detailsLock);
+    output.reset();
 }
 
 ALLOCATOR_PROPERTIES AudioDecoderFilter::OutputBuffers() {
-    return {kOutputBuffers, BufferBytes(converter_->output()), 16, 0};
+    return {kOutputBuffers, BufferBytes(converter->Output()), 16, 0};
 }
 
 HRESULT AudioDecoderFilter::OnStart() {
@@ -216,13 +215,13 @@ void AudioDecoderFilter::OnStop() {
 }
 
 void AudioDecoderFilter::Reset() {
-    if (decoder_) {
-        decoder_->Flush();
+    if (decoder) {
+        decoder->Flush();
     }
-    if (converter_) {
-        converter_->Flush();
+    if (converter) {
+        converter->Flush();
     }
-    discontinuity_ = true;
+    discontinuity = true;
 }
 
 HRESULT AudioDecoderFilter::OnSegment(const BasePin::Segment& segment) {
@@ -233,16 +232,16 @@ HRESULT AudioDecoderFilter::OnSegment(const BasePin::Segment& segment) {
             return drained;
         }
     }
-    rate_ = segment.rate > 0.0 ? segment.rate : 1.0;
+    rate = segment.rate > 0.0 ? segment.rate : 1.0;
     Reset();
-    if (decoder_) {
-        decoder_->StartSegment(rate_);
+    if (decoder) {
+        decoder->StartSegment(rate);
     }
     return TransformFilter::OnSegment(segment);
 }
 
 HRESULT AudioDecoderFilter::Process(IMediaSample& sample) {
-    if (!decoder_ || !converter_) {
+    if (!decoder || !converter) {
         return VFW_E_NOT_CONNECTED;
     }
     BYTE* data = nullptr;
@@ -250,9 +249,9 @@ HRESULT AudioDecoderFilter::Process(IMediaSample& sample) {
     if (FAILED(result)) {
         return result;
     }
-    if (const double wanted = Compression(); wanted != compression_) {
-        decoder_->SetCompression(wanted);
-        compression_ = wanted;
+    if (const double wanted = Compression(); wanted != compression) {
+        decoder->SetCompression(wanted);
+        compression = wanted;
     }
     AudioPacket packet;
     packet.data = {data, static_cast<std::size_t>(std::max<LONG>(sample.GetActualDataLength(), 0))};
@@ -263,58 +262,58 @@ HRESULT AudioDecoderFilter::Process(IMediaSample& sample) {
     if (SUCCEEDED(sample.GetTime(&start, &stop))) {
         packet.start = start;
     }
-    deliveryResult_ = S_OK;
-    decoder_->Decode(packet, [this](AudioBlock&& block) { return Deliver(std::move(block)); });
-    return deliveryResult_;
+    deliveryResult = S_OK;
+    decoder->Decode(packet, [this](AudioBlock&& block) { return Deliver(std::move(block)); });
+    return deliveryResult;
 }
 
 HRESULT AudioDecoderFilter::Drain() {
-    deliveryResult_ = S_OK;
-    if (!decoder_ || !converter_) {
+    deliveryResult = S_OK;
+    if (!decoder || !converter) {
         return S_OK;
     }
-    const bool goesOn = decoder_->Drain([this](AudioBlock&& block) { return Deliver(std::move(block)); });
-    bytes_.clear();
-    if (goesOn && converter_->Drain(bytes_)) {
-        deliveryResult_ = DeliverBytes(nextStart_);
+    const bool goesOn = decoder->Drain([this](AudioBlock&& block) { return Deliver(std::move(block)); });
+    bytes.clear();
+    if (goesOn && converter->Drain(bytes)) {
+        deliveryResult = DeliverBytes(nextStart);
     }
-    return deliveryResult_;
+    return deliveryResult;
 }
 
 bool AudioDecoderFilter::Deliver(AudioBlock&& block) {
     if (IsFlushing()) {
-        deliveryResult_ = S_FALSE;
+        deliveryResult = S_FALSE;
         return false;
     }
     {
-        const AudioFormat natural = decoder_->NaturalFormat();
-        const std::lock_guard lock(detailsLock_);
-        if (details_) {
-            details_->format = natural;
+        const AudioFormat natural = decoder->NaturalFormat();
+        const std::lock_guard lock(detailsLock);
+        if (details) {
+            details->format = natural;
         }
     }
-    discontinuity_ = discontinuity_ || block.discontinuity;
-    const auto heldBack = static_cast<Time100ns>(static_cast<double>(converter_->HeldBack()) / rate_);
-    bytes_.clear();
-    if (!converter_->Convert(*block.samples, bytes_)) {
+    discontinuity = discontinuity || block.discontinuity;
+    const auto heldBack = static_cast<Time100ns>(static_cast<double>(converter->HeldBack()) / rate);
+    bytes.clear();
+    if (!converter->Convert(*block.samples, bytes)) {
         // Sound in a form that can't be given out is left out like broken one.
         return true;
     }
-    deliveryResult_ = DeliverBytes(std::max<Time100ns>(block.start - heldBack, 0));
-    return deliveryResult_ == S_OK;
+    deliveryResult = DeliverBytes(std::max<Time100ns>(block.start - heldBack, 0));
+    return deliveryResult == S_OK;
 }
 
-// Sends bytes_ in samples no larger than a buffer of any allocator.
+// Sends bytes in samples no larger than a buffer of any allocator.
 HRESULT AudioDecoderFilter::DeliverBytes(Time100ns start) {
-    const AudioFormat& format = converter_->output();
+    const AudioFormat& format = converter->Output();
     const auto frameBytes = static_cast<std::size_t>(format.BytesPerFrame());
     const auto largest = static_cast<std::size_t>(BufferBytes(format));
     auto timeAt = [&](std::size_t offset) {
         const double frames = static_cast<double>(offset / frameBytes);
-        return start + std::llround(frames * kTime100nsPerSecond / format.sampleRate / rate_);
+        return start + std::llround(frames * kTime100nsPerSecond / format.sampleRate / rate);
     };
-    for (std::size_t offset = 0; offset < bytes_.size();) {
-        const std::size_t length = std::min(largest, bytes_.size() - offset);
+    for (std::size_t offset = 0; offset < bytes.size();) {
+        const std::size_t length = std::min(largest, bytes.size() - offset);
         ComPtr<IMediaSample> sample;
         const HRESULT got = Output().GetBuffer(sample.GetAddressOf(), static_cast<LONG>(length));
         if (FAILED(got)) {
@@ -324,20 +323,20 @@ HRESULT AudioDecoderFilter::DeliverBytes(Time100ns start) {
         if (FAILED(sample->GetPointer(&data))) {
             return E_FAIL;
         }
-        std::copy_n(bytes_.data() + offset, length, data);
+        std::copy_n(bytes.data() + offset, length, data);
         REFERENCE_TIME sampleStart = timeAt(offset);
         REFERENCE_TIME sampleStop = timeAt(offset + length);
         sample->SetTime(&sampleStart, &sampleStop);
         sample->SetActualDataLength(static_cast<LONG>(length));
         sample->SetSyncPoint(TRUE);
-        sample->SetDiscontinuity(std::exchange(discontinuity_, false));
+        sample->SetDiscontinuity(std::exchange(discontinuity, false));
         const HRESULT delivered = Output().Deliver(sample.Get());
         if (delivered != S_OK) {
             return delivered;
         }
         offset += length;
     }
-    nextStart_ = timeAt(bytes_.size());
+    nextStart = timeAt(bytes.size());
     return S_OK;
 }
 

@@ -60,18 +60,18 @@ private:
     HRESULT DeliverBytes(Time100ns start);
 
     // Streaming lock, or while stopped.
-    std::unique_ptr<AudioDecoder> decoder_;
-    std::optional<AudioConverter> converter_;
-    std::vector<std::uint8_t> bytes_;
-    double rate_ = 1.0;
-    double compression_ = 0.0;
-    Time100ns nextStart_ = 0;
-    bool discontinuity_ = true;
-    HRESULT deliveryResult_ = S_OK;
+    std::unique_ptr<AudioDecoder> decoder;
+    std::optional<AudioConverter> converter;
+    std::vector<std::uint8_t> bytes;
+    double rate = 1.0;
+    double compression = 0.0;
+    Time100ns nextStart = 0;
+    bool discontinuity = true;
+    HRESULT deliveryResult = S_OK;
 
-    std::mutex detailsLock_; // leaf lock
-    std::optional<Details> details_;
-    std::optional<AudioFormat> output_;
+    std::mutex detailsLock; // leaf lock
+    std::optional<Details> details;
+    std::optional<AudioFormat> output;
 };
 
 } // namespace brindlecast

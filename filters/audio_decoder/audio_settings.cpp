@@ -42,26 +42,26 @@ bool IsOutputFormat(int format) {
 
 AudioSettings::AudioSettings() {
     for (std::size_t format = 0; format < kSampleFormats; ++format) {
-        sampleFormats_[format] = IsOutputFormat(static_cast<int>(format));
+        sampleFormats[format] = IsOutputFormat(static_cast<int>(format));
     }
 }
 
 double AudioSettings::Compression() const {
-    const std::lock_guard lock(compressionLock_);
-    return compressionEnabled_ ? compressionLevel_ / static_cast<double>(kMaxCompressionLevel) : 0.0;
+    const std::lock_guard lock(compressionLock);
+    return compressionEnabled ? compressionLevel / static_cast<double>(kMaxCompressionLevel) : 0.0;
 }
 
 bool AudioSettings::IsEnabled(SampleKind kind) const {
-    return sampleFormats_[static_cast<std::size_t>(LavSampleFormatOf(kind))];
+    return sampleFormats[static_cast<std::size_t>(LavSampleFormatOf(kind))];
 }
 
 AudioFormat AudioSettings::WithOutputChannels(AudioFormat source) const {
-    const auto mixed = static_cast<std::uint32_t>(mixingLayout_.load());
-    if (mixing_) {
+    const auto mixed = static_cast<std::uint32_t>(mixingLayout.load());
+    if (mixing) {
         source.channelMask = mixed;
-    } else if (expandMono_ && source.channels == 1) {
+    } else if (expandMono && source.channels == 1) {
         source.channelMask = kStereo;
-    } else if (expand61_ && source.channels == 7 && (source.channelMask & kBackCenter) != 0) {
+    } else if (expand61 && source.channels == 7 && (source.channelMask & kBackCenter) != 0) {
         source.channelMask = kSevenOne;
     } else {
         return source;
@@ -76,20 +76,20 @@ STDMETHODIMP AudioSettings::SetRuntimeConfig(BOOL runtime) {
 }
 
 STDMETHODIMP AudioSettings::GetDRC(BOOL* enabled, int* level) {
-    const std::lock_guard lock(compressionLock_);
+    const std::lock_guard lock(compressionLock);
     if (enabled) {
-        *enabled = compressionEnabled_;
+        *enabled = compressionEnabled;
     }
     if (level) {
-        *level = compressionLevel_;
+        *level = compressionLevel;
     }
     return S_OK;
 }
 
 STDMETHODIMP AudioSettings::SetDRC(BOOL enabled, int level) {
-    const std::lock_guard lock(compressionLock_);
-    compressionEnabled_ = enabled != FALSE;
-    compressionLevel_ = std::clamp(level, 0, kMaxCompressionLevel);
+    const std::lock_guard lock(compressionLock);
+    compressionEnabled = enabled != FALSE;
+    compressionLevel = std::clamp(level, 0, kMaxCompressionLevel);
     return S_OK;
 }
 
@@ -118,12 +118,12 @@ STDMETHODIMP AudioSettings::SetOutputStandardLayout(BOOL enabled) {
 }
 
 STDMETHODIMP AudioSettings::SetExpandMono(BOOL enabled) {
-    expandMono_ = enabled != FALSE;
+    expandMono = enabled != FALSE;
     return S_OK;
 }
 
 STDMETHODIMP AudioSettings::SetExpand61(BOOL enabled) {
-    expand61_ = enabled != FALSE;
+    expand61 = enabled != FALSE;
     return S_OK;
 }
 
@@ -133,7 +133,7 @@ STDMETHODIMP AudioSettings::SetAllowRawSPDIFInput(BOOL enabled) {
 
 STDMETHODIMP_(BOOL) AudioSettings::GetSampleFormat(int format) {
     return format >= 0 && format < static_cast<int>(kSampleFormats) &&
-           sampleFormats_[static_cast<std::size_t>(format)];
+           sampleFormats[static_cast<std::size_t>(format)];
 }
 
 STDMETHODIMP AudioSettings::SetSampleFormat(int format, BOOL enabled) {
@@ -143,7 +143,7 @@ STDMETHODIMP AudioSettings::SetSampleFormat(int format, BOOL enabled) {
     if (!IsOutputFormat(format)) {
         return OnlyOff(enabled);
     }
-    sampleFormats_[static_cast<std::size_t>(format)] = enabled != FALSE;
+    sampleFormats[static_cast<std::size_t>(format)] = enabled != FALSE;
     return S_OK;
 }
 
@@ -162,7 +162,7 @@ STDMETHODIMP AudioSettings::SetAudioDelay(BOOL enabled, int) {
 }
 
 STDMETHODIMP AudioSettings::SetMixingEnabled(BOOL enabled) {
-    mixing_ = enabled != FALSE;
+    mixing = enabled != FALSE;
     return S_OK;
 }
 
@@ -171,7 +171,7 @@ STDMETHODIMP AudioSettings::SetMixingLayout(DWORD channelMask) {
     if (channels < 1 || channels > kMaxAudioChannels || (channelMask & ~kPlatformSpeakers) != 0) {
         return E_INVALIDARG;
     }
-    mixingLayout_ = channelMask;
+    mixingLayout = channelMask;
     return S_OK;
 }
 

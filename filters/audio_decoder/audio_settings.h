@@ -28,9 +28,9 @@ public:
     STDMETHODIMP SetAutoAVSync(BOOL enabled) override;
     STDMETHODIMP_(BOOL) GetOutputStandardLayout() override { return TRUE; }
     STDMETHODIMP SetOutputStandardLayout(BOOL enabled) override;
-    STDMETHODIMP_(BOOL) GetExpandMono() override { return expandMono_; }
+    STDMETHODIMP_(BOOL) GetExpandMono() override { return expandMono; }
     STDMETHODIMP SetExpandMono(BOOL enabled) override;
-    STDMETHODIMP_(BOOL) GetExpand61() override { return expand61_; }
+    STDMETHODIMP_(BOOL) GetExpand61() override { return expand61; }
     STDMETHODIMP SetExpand61(BOOL enabled) override;
     STDMETHODIMP_(BOOL) GetAllowRawSPDIFInput() override { return FALSE; }
     STDMETHODIMP SetAllowRawSPDIFInput(BOOL enabled) override;
@@ -39,9 +39,9 @@ public:
     STDMETHODIMP GetAudioDelay(BOOL* enabled, int* milliseconds) override;
     STDMETHODIMP SetAudioDelay(BOOL enabled, int milliseconds) override;
     STDMETHODIMP SetMixingEnabled(BOOL enabled) override;
-    STDMETHODIMP_(BOOL) GetMixingEnabled() override { return mixing_; }
+    STDMETHODIMP_(BOOL) GetMixingEnabled() override { return mixing; }
     STDMETHODIMP SetMixingLayout(DWORD channelMask) override;
-    STDMETHODIMP_(DWORD) GetMixingLayout() override { return mixingLayout_; }
+    STDMETHODIMP_(DWORD) GetMixingLayout() override { return mixingLayout; }
     STDMETHODIMP SetMixingFlags(DWORD flags) override;
     STDMETHODIMP_(DWORD) GetMixingFlags() override { return 0; }
     STDMETHODIMP SetMixingMode(int mode) override;
@@ -72,15 +72,15 @@ protected:
 private:
     static constexpr std::size_t kSampleFormats = kLavSampleFormatBitstream + 1;
 
-    mutable std::mutex compressionLock_;
-    bool compressionEnabled_ = false;
-    int compressionLevel_ = 100;
+    mutable std::mutex compressionLock;
+    bool compressionEnabled = false;
+    int compressionLevel = 100;
 
-    std::atomic<bool> expandMono_{false};
-    std::atomic<bool> expand61_{false};
-    std::atomic<bool> mixing_{false};
-    std::atomic<DWORD> mixingLayout_{3}; // front left and right
-    std::array<std::atomic<bool>, kSampleFormats> sampleFormats_;
+    std::atomic<bool> expandMono{false};
+    std::atomic<bool> expand61{false};
+    std::atomic<bool> mixing{false};
+    std::atomic<DWORD> mixingLayout{3}; // front left and right
+    std::array<std::atomic<bool>, kSampleFormats> sampleFormats;
 };
 
 // The LavSampleFormat of a kind, and whether there is a kind for a LavSampleFormat that the decoder gives

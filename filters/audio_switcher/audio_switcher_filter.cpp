@@ -16,6 +16,9 @@ using Microsoft::WRL::ComPtr;
 constexpr LONG kOutputBuffers = 8;
 constexpr int kBuffersPerSecond = 10;
 constexpr double kPercent = 100.0;
+// Sound that begins this far from where it was expected is not pieced together with what came before: 100 ns
+// units.
+constexpr Time100ns kLargestGap = 500'000;
 
 LONG BufferBytes(const AudioFormat& format) {
     return static_cast<LONG>(format.BytesPerFrame() * std::max(format.sampleRate / kBuffersPerSecond, 1));
@@ -33,8 +36,8 @@ void* AudioSwitcherFilter::FindInterface(REFIID iid) noexcept {
 }
 
 std::optional<AudioFormat> AudioSwitcherFilter::InputFormat() {
-    const std::lock_guard lock(settingsLock_);
-    return input_;
+    const std::lock_guard lock(settingsLock);
+    return input;
 }
 
 STDMETHODIMP AudioSwitcherFilter::GetInputSpeakerConfig(DWORD* channelMask) {
@@ -66,10 +69,10 @@ STDMETHODIMP AudioSwitcherFilter::SetAudioTimeShift(REFERENCE_TIME shift) {
 }
 
 STDMETHODIMP AudioSwitcherFilter::GetNormalizeBoost(bool& normalize, bool& recover, float& boostDecibels) {
-    const std::lock_guard lock(settingsLock_);
-    normalize = loudness_.normalize;
-    recover = loudness_.recover;
-    boostDecibels = static_cast<float>(20.0 * std::log10(1.0 + loudness_.boostPercent / kPercent));
+    const std::lock_guard lock(settingsLock);
+    normalize = loudness.normalize;
+    recover = loudness.recover;
+    boostDecibels = static_cast<float>(20.0 * std::log10(1.0 + loudness.boostPercent / kPercent));
     return S_OK;
 }
 
@@ -79,34 +82,34 @@ STDMETHODIMP AudioSwitcherFilter::SetNormalizeBoost(bool normalize, bool recover
         return E_INVALIDARG;
     }
     const double percent = (std::pow(10.0, static_cast<double>(boostDecibels) / 20.0) - 1.0) * kPercent;
-    const std::lock_guard lock(settingsLock_);
-    loudness_.normalize = normalize;
-    loudness_.recover = recover;
-    loudness_.boostPercent = static_cast<UINT>(std::lround(percent));
+    const std::lock_guard lock(settingsLock);
+    loudness.normalize = normalize;
+    loudness.recover = recover;
+    loudness.boostPercent = static_cast<UINT>(std::lround(percent));
     return S_OK;
 }
 
 STDMETHODIMP AudioSwitcherFilter::GetNormalizeBoost2(bool& normalize, UINT& maxFactorPercent, bool& recover,
                                                      UINT& boostPercent) {
-    const std::lock_guard lock(settingsLock_);
-    normalize = loudness_.normalize;
-    maxFactorPercent = loudness_.maxFactorPercent;
-    recover = loudness_.recover;
-    boostPercent = loudness_.boostPercent;
+    const std::lock_guard lock(settingsLock);
+    normalize = loudness.normalize;
+    maxFactorPercent = loudness.maxFactorPercent;
+    recover = loudness.recover;
+    boostPercent = loudness.boostPercent;
     return S_OK;
 }
 
 STDMETHODIMP AudioSwitcherFilter::SetNormalizeBoost2(bool normalize, UINT maxFactorPercent, bool recover,
                                                      UINT boostPercent) {
-    const std::lock_guard lock(settingsLock_);
-    loudness_ = {normalize, maxFactorPercent, recover, boostPercent};
+    const std::lock_guard lock(settingsLock);
+    loudness = {normalize, maxFactorPercent, recover, boostPercent};
     return S_OK;
 }
 
 GainSettings AudioSwitcherFilter::CurrentGain() {
-    const std::lock_guard lock(settingsLock_);
-    return {loudness_.normalize, loudness_.maxFactorPercent / kPercent, loudness_.recover,
-            1.0 + loudness_.boostPercent / kPercent};
+    const std::lock_guard lock(settingsLock);
+    return {loudness.normalize, loudness.maxFactorPercent / kPercent, loudness.recover,
+            1.0 + loudness.boostPercent / kPercent};
 }
 
 HRESULT AudioSwitcherFilter::CheckInput(const MediaType& type) {
@@ -118,34 +121,34 @@ HRESULT AudioSwitcherFilter::OnInputType(const MediaType& type) {
     if (!format) {
         return VFW_E_TYPE_NOT_ACCEPTED;
     }
-    if (converter_ && State() != State_Stopped) {
+    if (converter && State() != State_Stopped) {
         const HRESULT drained = Drain();
         if (drained != S_OK) {
             return drained;
         }
     }
-    const std::lock_guard lock(settingsLock_);
-    input_ = *format;
+    const std::lock_guard lock(settingsLock);
+    input = *format;
     return S_OK;
 }
 
 void AudioSwitcherFilter::OnInputDisconnected() {
-    const std::lock_guard lock(settingsLock_);
-    input_.reset();
+    const std::lock_guard lock(settingsLock);
+    input.reset();
 }
 
 // The input's own format comes first; a receiver may also have the same sound stored otherwise.
 std::vector<MediaType> AudioSwitcherFilter::OutputTypes() {
     std::vector<MediaType> types;
-    const auto input = InputFormat();
-    if (!input) {
+    const auto source = InputFormat();
+    if (!source) {
         return types;
     }
-    types.push_back(MakeAudioType(*input));
+    types.push_back(MakeAudioType(*source));
     for (const SampleKind kind :
          {SampleKind::kSigned16, SampleKind::kFloat32, SampleKind::kSigned24, SampleKind::kSigned32}) {
-        if (kind != input->kind) {
-            AudioFormat format = *input;
+        if (kind != source->kind) {
+            AudioFormat format = *source;
             format.kind = kind;
             types.push_back(MakeAudioType(format));
         }
@@ -154,10 +157,10 @@ std::vector<MediaType> AudioSwitcherFilter::OutputTypes() {
 }
 
 HRESULT AudioSwitcherFilter::CheckOutput(const MediaType& type) {
-    const auto input = InputFormat();
+    const auto source = InputFormat();
     const auto format = ReadAudioType(type.Get());
-    const bool same = input && format && format->sampleRate == input->sampleRate &&
-                      format->channels == input->channels && format->channelMask == input->channelMask;
+    const bool same = source && format && format->sampleRate == source->sampleRate &&
+                      format->channels == source->channels && format->channelMask == source->channelMask;
     return same ? S_OK : VFW_E_TYPE_NOT_ACCEPTED;
 }
 
@@ -166,34 +169,44 @@ HRESULT AudioSwitcherFilter::OnOutputType(const MediaType& type) {
     if (!format) {
         return VFW_E_TYPE_NOT_ACCEPTED;
     }
-    converter_.emplace(*format);
+    converter.emplace(*format);
     return S_OK;
 }
 
 void AudioSwitcherFilter::OnOutputDisconnected() {
-    converter_.reset();
+    converter.reset();
 }
 
 ALLOCATOR_PROPERTIES AudioSwitcherFilter::OutputBuffers() {
-    return {kOutputBuffers, BufferBytes(converter_->output()), 16, 0};
+    return {kOutputBuffers, BufferBytes(converter->Output()), 16, 0};
 }
 
 void AudioSwitcherFilter::Reset() {
-    if (converter_) {
-        converter_->Flush();
+    if (converter) {
+        converter->Flush();
     }
-    discontinuity_ = true;
+    stretch.reset();
+    expectedStart.reset();
+    discontinuity = true;
+}
+
+bool AudioSwitcherFilter::Stretches() const {
+    return rate != 1.0 && rate >= kSlowestStretch && rate <= kFastestStretch;
 }
 
 HRESULT AudioSwitcherFilter::OnSegment(const BasePin::Segment& segment) {
-    rate_ = segment.rate > 0.0 ? segment.rate : 1.0;
+    rate = segment.rate > 0.0 ? segment.rate : 1.0;
     Reset();
-    return TransformFilter::OnSegment(segment);
+    BasePin::Segment onward = segment;
+    if (Stretches()) {
+        onward.rate = 1.0; // a renderer that applied the rate would change the sound a second time
+    }
+    return TransformFilter::OnSegment(onward);
 }
 
 HRESULT AudioSwitcherFilter::Process(IMediaSample& sample) {
-    const auto input = InputFormat();
-    if (!converter_ || !input) {
+    const auto source = InputFormat();
+    if (!converter || !source) {
         return VFW_E_NOT_CONNECTED;
     }
     BYTE* data = nullptr;
@@ -201,43 +214,84 @@ HRESULT AudioSwitcherFilter::Process(IMediaSample& sample) {
     if (FAILED(result)) {
         return result;
     }
-    const int frames = std::max<LONG>(sample.GetActualDataLength(), 0) / input->BytesPerFrame();
-    const auto length = static_cast<std::size_t>(frames) * static_cast<std::size_t>(input->BytesPerFrame());
-    const auto heldBack = static_cast<Time100ns>(static_cast<double>(converter_->HeldBack()) / rate_);
-    bytes_.clear();
-    if (*input == converter_->output()) {
-        bytes_.assign(data, data + length);
-    } else if (!converter_->Convert(*input, data, frames, bytes_)) {
+    const int frames = std::max<LONG>(sample.GetActualDataLength(), 0) / source->BytesPerFrame();
+    const auto length = static_cast<std::size_t>(frames) * static_cast<std::size_t>(source->BytesPerFrame());
+    const auto heldBack = static_cast<Time100ns>(static_cast<double>(converter->HeldBack()) / rate);
+    bytes.clear();
+    if (*source == converter->Output()) {
+        bytes.assign(data, data + length);
+    } else if (!converter->Convert(*source, data, frames, bytes)) {
         return VFW_E_TYPE_NOT_ACCEPTED;
     }
-    discontinuity_ = discontinuity_ || sample.IsDiscontinuity() == S_OK;
+    discontinuity = discontinuity || sample.IsDiscontinuity() == S_OK;
     std::optional<Time100ns> start;
     REFERENCE_TIME given = 0;
     REFERENCE_TIME stop = 0;
     if (SUCCEEDED(sample.GetTime(&given, &stop))) {
         start = given - heldBack;
     }
-    gain_.SetSettings(CurrentGain());
-    return DeliverBytes(start);
+    gain.SetSettings(CurrentGain());
+    return Stretches() ? DeliverStretched(start) : DeliverBytes(start);
 }
 
 HRESULT AudioSwitcherFilter::Drain() {
-    bytes_.clear();
-    return converter_ && converter_->Drain(bytes_) ? DeliverBytes(nextStart_) : S_OK;
+    bytes.clear();
+    if (!converter || !converter->Drain(bytes)) {
+        return S_OK;
+    }
+    if (!Stretches()) {
+        return DeliverBytes(nextStart);
+    }
+    const HRESULT delivered = DeliverStretched(expectedStart);
+    return delivered == S_OK ? DrainStretch() : delivered;
 }
 
-// Processes bytes_ and sends them in samples no larger than a buffer of any allocator.
+// Stretches bytes, which begin at `start`, and sends what is finished.
+HRESULT AudioSwitcherFilter::DeliverStretched(std::optional<Time100ns> start) {
+    if (start && expectedStart && std::abs(*start - *expectedStart) > kLargestGap) {
+        const HRESULT drained = DrainStretch();
+        if (drained != S_OK) {
+            return drained;
+        }
+    }
+    const AudioFormat& format = converter->Output();
+    if (!stretch) {
+        stretch = AudioStretch::Create(format, rate);
+        nextStart = start.value_or(nextStart);
+    }
+    const auto frames = static_cast<int>(bytes.size()) / format.BytesPerFrame();
+    const Time100ns begin = start.value_or(expectedStart.value_or(nextStart));
+    expectedStart = begin + std::llround(frames * kTime100nsPerSecond / (format.sampleRate * rate));
+    stretched.clear();
+    if (!stretch->Push(bytes.data(), frames, stretched)) {
+        return VFW_E_TYPE_NOT_ACCEPTED;
+    }
+    bytes.swap(stretched);
+    return DeliverBytes(nextStart);
+}
+
+// Sends what is still inside of the stretching; the next sound begins anew.
+HRESULT AudioSwitcherFilter::DrainStretch() {
+    bytes.clear();
+    expectedStart.reset();
+    const std::unique_ptr<AudioStretch> ended = std::move(stretch);
+    return ended && ended->Drain(bytes) ? DeliverBytes(nextStart) : S_OK;
+}
+
+// Processes bytes and sends them in samples no larger than a buffer of any allocator.
 HRESULT AudioSwitcherFilter::DeliverBytes(std::optional<Time100ns> start) {
-    const AudioFormat& format = converter_->output();
+    const AudioFormat& format = converter->Output();
     const auto frameBytes = static_cast<std::size_t>(format.BytesPerFrame());
     const auto largest = static_cast<std::size_t>(BufferBytes(format));
-    gain_.Process(format, bytes_.data(), static_cast<int>(bytes_.size() / frameBytes));
+    gain.Process(format, bytes.data(), static_cast<int>(bytes.size() / frameBytes));
+    // Stretched sound has the length that its time has.
+    const double speed = Stretches() ? 1.0 : rate;
     auto timeAt = [&](std::size_t offset) {
         const double frames = static_cast<double>(offset / frameBytes);
-        return start.value_or(0) + std::llround(frames * kTime100nsPerSecond / format.sampleRate / rate_);
+        return start.value_or(0) + std::llround(frames * kTime100nsPerSecond / format.sampleRate / speed);
     };
-    for (std::size_t offset = 0; offset < bytes_.size();) {
-        const std::size_t length = std::min(largest, bytes_.size() - offset);
+    for (std::size_t offset = 0; offset < bytes.size();) {
+        const std::size_t length = std::min(largest, bytes.size() - offset);
         ComPtr<IMediaSample> sample;
         const HRESULT got = Output().GetBuffer(sample.GetAddressOf(), static_cast<LONG>(length));
         if (FAILED(got)) {
@@ -247,20 +301,20 @@ HRESULT AudioSwitcherFilter::DeliverBytes(std::optional<Time100ns> start) {
         if (FAILED(sample->GetPointer(&to))) {
             return E_FAIL;
         }
-        std::memcpy(to, bytes_.data() + offset, length);
+        std::memcpy(to, bytes.data() + offset, length);
         REFERENCE_TIME sampleStart = timeAt(offset);
         REFERENCE_TIME sampleStop = timeAt(offset + length);
         sample->SetTime(start ? &sampleStart : nullptr, start ? &sampleStop : nullptr);
         sample->SetActualDataLength(static_cast<LONG>(length));
         sample->SetSyncPoint(TRUE);
-        sample->SetDiscontinuity(std::exchange(discontinuity_, false));
+        sample->SetDiscontinuity(std::exchange(discontinuity, false));
         const HRESULT delivered = Output().Deliver(sample.Get());
         if (delivered != S_OK) {
             return delivered;
         }
         offset += length;
     }
-    nextStart_ = timeAt(bytes_.size());
+    nextStart = timeAt(bytes.size());
     return S_OK;
 }
 

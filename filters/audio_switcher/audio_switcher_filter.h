@@ -1,7 +1,7 @@
 #pragma once
 
 #include "filters/base/transform_filter.h"
-#include "filters/core/audio_converter.h"
+#include "filters/core/audio_stretch.h"
 #include "filters/core/gain_processor.h"
 #include "filters/include/audio_switcher.h"
 
@@ -12,8 +12,10 @@
 namespace brindlecast {
 
 // Processing of uncompressed sound between decoder and renderer. The output keeps the format of its
-// connection whatever comes in, because renderers may refuse a change in mid-stream. With normalisation and
-// boost off and equal formats the samples pass unchanged.
+// connection whatever comes in, because renderers may refuse a change in mid-stream. At other rates than 1
+// the sound is stretched to the length of its time, at its own pitch, and goes on as sound of rate 1; rates
+// that it can't be stretched to are passed on. With normalisation and boost off, rate 1 and equal formats
+// the samples pass unchanged.
 class AudioSwitcherFilter final : public TransformFilter, public IAudioSwitcherFilter {
 public:
     AudioSwitcherFilter();
@@ -66,19 +68,26 @@ private:
 
     [[nodiscard]] std::optional<AudioFormat> InputFormat();
     [[nodiscard]] GainSettings CurrentGain();
+    [[nodiscard]] bool Stretches() const;
+    HRESULT DeliverStretched(std::optional<Time100ns> start);
+    HRESULT DrainStretch();
     HRESULT DeliverBytes(std::optional<Time100ns> start);
 
     // Streaming lock, or while stopped.
-    std::optional<AudioConverter> converter_;
-    GainProcessor gain_;
-    std::vector<std::uint8_t> bytes_;
-    double rate_ = 1.0;
-    Time100ns nextStart_ = 0;
-    bool discontinuity_ = true;
+    std::optional<AudioConverter> converter;
+    std::unique_ptr<AudioStretch> stretch; // from the first sound of a segment at another rate than 1
+    GainProcessor gain;
+    std::vector<std::uint8_t> bytes;
+    std::vector<std::uint8_t> stretched;
+    double rate = 1.0;       // of the segment
+    Time100ns nextStart = 0; // of what is delivered next
+    // Where the sound goes on without a gap, in the times of the input; only while it is stretched.
+    std::optional<Time100ns> expectedStart;
+    bool discontinuity = true;
 
-    std::mutex settingsLock_; // leaf lock
-    Loudness loudness_;
-    std::optional<AudioFormat> input_;
+    std::mutex settingsLock; // leaf lock
+    Loudness loudness;
+    std::optional<AudioFormat> input;
 };
 
 } // namespace brindlecast

@@ -25,40 +25,40 @@ class BaseFilter : public IBaseFilter, public IAMFilterMiscFlags, public RefCoun
 public:
     BRINDLECAST_COM_METHODS
 
-    STDMETHODIMP GetClassID(CLSID* clsid) override;
+    STDMETHODIMP GetClassID(CLSID* out) override;
 
     STDMETHODIMP Stop() override;
     STDMETHODIMP Pause() override;
     STDMETHODIMP Run(REFERENCE_TIME start) override;
-    STDMETHODIMP GetState(DWORD milliseconds, FILTER_STATE* state) override;
+    STDMETHODIMP GetState(DWORD milliseconds, FILTER_STATE* out) override;
     STDMETHODIMP SetSyncSource(IReferenceClock* clock) override;
     STDMETHODIMP GetSyncSource(IReferenceClock** clock) override;
 
-    STDMETHODIMP EnumPins(IEnumPins** pins) override;
+    STDMETHODIMP EnumPins(IEnumPins** out) override;
     STDMETHODIMP FindPin(LPCWSTR id, IPin** pin) override;
     STDMETHODIMP QueryFilterInfo(FILTER_INFO* info) override;
-    STDMETHODIMP JoinFilterGraph(IFilterGraph* graph, LPCWSTR name) override;
+    STDMETHODIMP JoinFilterGraph(IFilterGraph* newGraph, LPCWSTR name) override;
     STDMETHODIMP QueryVendorInfo(LPWSTR* info) override;
 
-    STDMETHODIMP_(ULONG) GetMiscFlags() override { return miscFlags_; }
+    STDMETHODIMP_(ULONG) GetMiscFlags() override { return miscFlags; }
 
-    [[nodiscard]] FILTER_STATE State() const noexcept { return state_.load(); }
-    [[nodiscard]] std::recursive_mutex& StateLock() noexcept { return stateLock_; }
+    [[nodiscard]] FILTER_STATE State() const noexcept { return state.load(); }
+    [[nodiscard]] std::recursive_mutex& StateLock() noexcept { return stateLock; }
     // The pins now, and their version for noticing changes.
     [[nodiscard]] std::vector<BasePin*> PinSnapshot(int& version);
-    [[nodiscard]] int PinVersion() const noexcept { return pinVersion_.load(); }
+    [[nodiscard]] int PinVersion() const noexcept { return pinVersion.load(); }
     // Tells the graph's event sink. Any thread, also a streaming one. E_NOTIMPL outside a graph.
     HRESULT Notify(long code, LONG_PTR first, LONG_PTR second);
     // The graph's clock, or null. Any thread.
     [[nodiscard]] Microsoft::WRL::ComPtr<IReferenceClock> Clock();
     // Clock time that belongs to stream time 0, as Run gave it.
-    [[nodiscard]] REFERENCE_TIME StartTime() const noexcept { return startTime_.load(); }
+    [[nodiscard]] REFERENCE_TIME StartTime() const noexcept { return startTime.load(); }
     // True while the filter is in a graph.
     [[nodiscard]] bool InGraph();
 
 protected:
     // `miscFlags` are the AM_FILTER_MISC_FLAGS_*; 0 for a transform, which then hides IAMFilterMiscFlags.
-    explicit BaseFilter(const CLSID& clsid, ULONG miscFlags = 0);
+    explicit BaseFilter(const CLSID& theClsid, ULONG theMiscFlags = 0);
     ~BaseFilter() override;
 
     // The interface of that id as the right base of this object, or null. Overriders end with this one.
@@ -72,19 +72,19 @@ private:
     HRESULT ActivatePins();
     void DeactivatePins();
 
-    const CLSID clsid_;
-    const ULONG miscFlags_;
-    std::recursive_mutex stateLock_;
-    std::atomic<FILTER_STATE> state_{State_Stopped};
-    std::atomic<REFERENCE_TIME> startTime_{0};
-    std::vector<std::unique_ptr<BasePin>> pins_;
-    std::atomic<int> pinVersion_{1};
+    const CLSID clsid;
+    const ULONG miscFlags;
+    std::recursive_mutex stateLock;
+    std::atomic<FILTER_STATE> state{State_Stopped};
+    std::atomic<REFERENCE_TIME> startTime{0};
+    std::vector<std::unique_ptr<BasePin>> pins;
+    std::atomic<int> pinVersion{1};
 
-    std::mutex graphLock_; // leaf lock: clock, graph, sink, name
-    Microsoft::WRL::ComPtr<IReferenceClock> clock_;
-    IFilterGraph* graph_ = nullptr;   // not referenced: the graph owns the filter
-    IMediaEventSink* sink_ = nullptr; // not referenced, for the same reason
-    std::wstring name_;
+    std::mutex graphLock; // leaf lock: clock, graph, sink, name
+    Microsoft::WRL::ComPtr<IReferenceClock> referenceClock;
+    IFilterGraph* graph = nullptr;        // not referenced: the graph owns the filter
+    IMediaEventSink* eventSink = nullptr; // not referenced, for the same reason
+    std::wstring filterName;
 };
 
 } // namespace brindlecast

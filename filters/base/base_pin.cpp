@@ -9,15 +9,17 @@ namespace brindlecast {
 using Microsoft::WRL::ComPtr;
 
 BasePin::BasePin(BaseFilter& filter, PIN_DIRECTION direction, std::wstring name)
-    : filter_(filter), direction_(direction), name_(std::move(name)) {}
+    : ownerFilter(filter), pinDirection(direction), pinName(std::move(name)) {}
 
 BasePin::~BasePin() = default;
 
 void* BasePin::FindInterface(REFIID iid) noexcept {
-    if (iid == IID_IUnknown || iid == IID_IPin)
+    if (iid == IID_IUnknown || iid == IID_IPin) {
         return static_cast<IPin*>(this);
-    if (iid == IID_IQualityControl)
+    }
+    if (iid == IID_IQualityControl) {
         return static_cast<IQualityControl*>(this);
+    }
     return nullptr;
 }
 
@@ -31,12 +33,14 @@ STDMETHODIMP BasePin::Connect(IPin*, const AM_MEDIA_TYPE*) {
 
 STDMETHODIMP BasePin::Disconnect() {
     return Guarded([&]() -> HRESULT {
-        const std::lock_guard lock(filter_.StateLock());
-        if (!IsConnected())
+        const std::lock_guard lock(ownerFilter.StateLock());
+        if (!IsConnected()) {
             return S_FALSE;
-        if (filter_.State() != State_Stopped) {
-            if (!ConnectsWhileActive())
+        }
+        if (ownerFilter.State() != State_Stopped) {
+            if (!ConnectsWhileActive()) {
                 return VFW_E_NOT_STOPPED;
+            }
             Deactivate();
         }
         OnDisconnected();
@@ -46,67 +50,75 @@ STDMETHODIMP BasePin::Disconnect() {
 }
 
 STDMETHODIMP BasePin::ConnectedTo(IPin** pin) {
-    if (pin == nullptr)
+    if (pin == nullptr) {
         return E_POINTER;
+    }
     *pin = Peer().Detach();
     return *pin != nullptr ? S_OK : VFW_E_NOT_CONNECTED;
 }
 
 STDMETHODIMP BasePin::ConnectionMediaType(AM_MEDIA_TYPE* type) {
-    if (type == nullptr)
+    if (type == nullptr) {
         return E_POINTER;
-    const std::lock_guard lock(pinLock_);
-    if (!peer_) {
+    }
+    const std::lock_guard lock(pinLock);
+    if (!connectedPeer) {
         *type = {};
         return VFW_E_NOT_CONNECTED;
     }
-    return type_.CopyTo(*type);
+    return agreedType.CopyTo(*type);
 }
 
 STDMETHODIMP BasePin::QueryPinInfo(PIN_INFO* info) {
-    if (info == nullptr)
+    if (info == nullptr) {
         return E_POINTER;
-    info->pFilter = &filter_;
-    filter_.AddRef();
-    info->dir = direction_;
-    const std::size_t length = std::min<std::size_t>(name_.size(), MAX_PIN_NAME - 1);
-    std::copy_n(name_.data(), length, info->achName);
+    }
+    info->pFilter = &ownerFilter;
+    ownerFilter.AddRef();
+    info->dir = pinDirection;
+    const std::size_t length = std::min<std::size_t>(pinName.size(), MAX_PIN_NAME - 1);
+    std::copy_n(pinName.data(), length, info->achName);
     info->achName[length] = 0;
     return S_OK;
 }
 
 STDMETHODIMP BasePin::QueryDirection(PIN_DIRECTION* direction) {
-    if (direction == nullptr)
+    if (direction == nullptr) {
         return E_POINTER;
-    *direction = direction_;
+    }
+    *direction = pinDirection;
     return S_OK;
 }
 
 STDMETHODIMP BasePin::QueryId(LPWSTR* id) {
-    if (id == nullptr)
+    if (id == nullptr) {
         return E_POINTER;
-    const std::size_t length = name_.size() + 1;
+    }
+    const std::size_t length = pinName.size() + 1;
     *id = static_cast<LPWSTR>(CoTaskMemAlloc(length * sizeof(wchar_t)));
-    if (*id == nullptr)
+    if (*id == nullptr) {
         return E_OUTOFMEMORY;
-    std::copy_n(name_.c_str(), length, *id);
+    }
+    std::copy_n(pinName.c_str(), length, *id);
     return S_OK;
 }
 
 STDMETHODIMP BasePin::QueryAccept(const AM_MEDIA_TYPE* type) {
     return Guarded([&] {
-        if (type == nullptr)
+        if (type == nullptr) {
             return E_POINTER;
+        }
         return CheckType(MediaType(*type)) == S_OK ? S_OK : S_FALSE;
     });
 }
 
 STDMETHODIMP BasePin::EnumMediaTypes(IEnumMediaTypes** types) {
     return Guarded([&] {
-        if (types == nullptr)
+        if (types == nullptr) {
             return E_POINTER;
+        }
         *types = nullptr;
-        const std::lock_guard lock(filter_.StateLock());
+        const std::lock_guard lock(ownerFilter.StateLock());
         *types = new MediaTypeEnumerator(PreferredTypes());
         return S_OK;
     });
@@ -138,29 +150,29 @@ STDMETHODIMP BasePin::Notify(IBaseFilter*, Quality) {
 }
 
 STDMETHODIMP BasePin::SetSink(IQualityControl* sink) {
-    const std::lock_guard lock(pinLock_);
-    qualitySink_ = sink;
+    const std::lock_guard lock(pinLock);
+    qualitySink = sink;
     return S_OK;
 }
 
 bool BasePin::IsConnected() {
-    const std::lock_guard lock(pinLock_);
-    return peer_ != nullptr;
+    const std::lock_guard lock(pinLock);
+    return connectedPeer != nullptr;
 }
 
 ComPtr<IPin> BasePin::Peer() {
-    const std::lock_guard lock(pinLock_);
-    return peer_;
+    const std::lock_guard lock(pinLock);
+    return connectedPeer;
 }
 
 MediaType BasePin::Type() {
-    const std::lock_guard lock(pinLock_);
-    return type_;
+    const std::lock_guard lock(pinLock);
+    return agreedType;
 }
 
 BasePin::Segment BasePin::CurrentSegment() {
-    const std::lock_guard lock(pinLock_);
-    return segment_;
+    const std::lock_guard lock(pinLock);
+    return currentSegment;
 }
 
 HRESULT BasePin::Activate() {
@@ -171,27 +183,28 @@ void BasePin::Deactivate() {}
 
 void BasePin::SetPeer(IPin* peer) {
     ComPtr<IPin> old; // released outside the lock
-    const std::lock_guard lock(pinLock_);
-    old.Swap(peer_);
-    peer_ = peer;
-    if (peer == nullptr)
-        segment_ = {};
+    const std::lock_guard lock(pinLock);
+    old.Swap(connectedPeer);
+    connectedPeer = peer;
+    if (peer == nullptr) {
+        currentSegment = {};
+    }
 }
 
 void BasePin::SetType(const MediaType& type) {
     MediaType copy = type;
-    const std::lock_guard lock(pinLock_);
-    type_ = std::move(copy);
+    const std::lock_guard lock(pinLock);
+    agreedType = std::move(copy);
 }
 
 void BasePin::SetSegment(const Segment& segment) {
-    const std::lock_guard lock(pinLock_);
-    segment_ = segment;
+    const std::lock_guard lock(pinLock);
+    currentSegment = segment;
 }
 
 ComPtr<IQualityControl> BasePin::QualitySink() {
-    const std::lock_guard lock(pinLock_);
-    return qualitySink_;
+    const std::lock_guard lock(pinLock);
+    return qualitySink;
 }
 
 } // namespace brindlecast

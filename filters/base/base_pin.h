@@ -37,11 +37,11 @@ public:
 
     virtual ~BasePin();
 
-    ULONG AddReference() noexcept { return filter_.AddReference(); }
-    ULONG ReleaseReference() noexcept { return filter_.ReleaseReference(); }
+    ULONG AddReference() noexcept { return ownerFilter.AddReference(); }
+    ULONG ReleaseReference() noexcept { return ownerFilter.ReleaseReference(); }
 
-    [[nodiscard]] BaseFilter& Filter() const noexcept { return filter_; }
-    [[nodiscard]] const std::wstring& Name() const noexcept { return name_; }
+    [[nodiscard]] BaseFilter& Filter() const noexcept { return ownerFilter; }
+    [[nodiscard]] const std::wstring& Name() const noexcept { return pinName; }
     [[nodiscard]] bool IsConnected();
     // The pin at the other end, referenced, or null. Any thread.
     [[nodiscard]] Microsoft::WRL::ComPtr<IPin> Peer();
@@ -86,15 +86,15 @@ protected:
     [[nodiscard]] Microsoft::WRL::ComPtr<IQualityControl> QualitySink();
 
 private:
-    BaseFilter& filter_;
-    const PIN_DIRECTION direction_;
-    const std::wstring name_;
+    BaseFilter& ownerFilter;
+    const PIN_DIRECTION pinDirection;
+    const std::wstring pinName;
 
-    std::mutex pinLock_; // leaf lock for what follows
-    Microsoft::WRL::ComPtr<IPin> peer_;
-    MediaType type_;
-    Segment segment_;
-    IQualityControl* qualitySink_ = nullptr; // not referenced, by the rule of IQualityControl
+    std::mutex pinLock; // leaf lock for what follows
+    Microsoft::WRL::ComPtr<IPin> connectedPeer;
+    MediaType agreedType;
+    Segment currentSegment;
+    IQualityControl* qualitySink = nullptr; // not referenced, by the rule of IQualityControl
 };
 
 } // namespace brindlecast

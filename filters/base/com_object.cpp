@@ -20,9 +20,10 @@ void RemoveModuleObject() noexcept {
 }
 
 ULONG RefCounted::ReleaseReference() noexcept {
-    const ULONG left = references_.fetch_sub(1, std::memory_order_acq_rel) - 1;
-    if (left == 0)
+    const ULONG left = references.fetch_sub(1, std::memory_order_acq_rel) - 1;
+    if (left == 0) {
         OnLastRelease();
+    }
     return left;
 }
 

@@ -22,7 +22,7 @@ public:
     RefCounted(const RefCounted&) = delete;
     RefCounted& operator=(const RefCounted&) = delete;
 
-    ULONG AddReference() noexcept { return references_.fetch_add(1, std::memory_order_relaxed) + 1; }
+    ULONG AddReference() noexcept { return references.fetch_add(1, std::memory_order_relaxed) + 1; }
     ULONG ReleaseReference() noexcept;
 
 protected:
@@ -31,20 +31,22 @@ protected:
 
     // The last reference has gone. Deletes the object unless a class keeps it for later use.
     virtual void OnLastRelease() noexcept { delete this; }
-    void ReviveReference() noexcept { references_.store(1, std::memory_order_relaxed); }
+    void ReviveReference() noexcept { references.store(1, std::memory_order_relaxed); }
 
 private:
-    std::atomic<ULONG> references_{1};
+    std::atomic<ULONG> references{1};
 };
 
 // Answers a QueryInterface: `found` is the interface, already of the right base, or null.
 template <class Object>
 HRESULT AnswerQuery(Object& object, void* found, void** out) noexcept {
-    if (out == nullptr)
+    if (out == nullptr) {
         return E_POINTER;
+    }
     *out = found;
-    if (found == nullptr)
+    if (found == nullptr) {
         return E_NOINTERFACE;
+    }
     object.AddReference();
     return S_OK;
 }

@@ -14,25 +14,31 @@ void* InputPin::FindInterface(REFIID iid) noexcept {
 
 STDMETHODIMP InputPin::ReceiveConnection(IPin* connector, const AM_MEDIA_TYPE* type) {
     return Guarded([&]() -> HRESULT {
-        if (connector == nullptr || type == nullptr)
+        if (connector == nullptr || type == nullptr) {
             return E_POINTER;
+        }
         const std::lock_guard lock(Filter().StateLock());
-        if (IsConnected())
+        if (IsConnected()) {
             return VFW_E_ALREADY_CONNECTED;
-        if (Filter().State() != State_Stopped && !ConnectsWhileActive())
+        }
+        if (Filter().State() != State_Stopped && !ConnectsWhileActive()) {
             return VFW_E_NOT_STOPPED;
+        }
         PIN_DIRECTION direction = PINDIR_INPUT;
-        if (FAILED(connector->QueryDirection(&direction)) || direction != PINDIR_OUTPUT)
+        if (FAILED(connector->QueryDirection(&direction)) || direction != PINDIR_OUTPUT) {
             return VFW_E_INVALID_DIRECTION;
+        }
         const MediaType offered(*type);
-        if (CheckType(offered) != S_OK)
+        if (CheckType(offered) != S_OK) {
             return VFW_E_TYPE_NOT_ACCEPTED;
+        }
         HRESULT result = OnTypeAgreed(offered);
-        if (FAILED(result))
+        if (FAILED(result)) {
             return result;
+        }
         SetType(offered);
         SetPeer(connector);
-        endOfStream_ = formatFailed_ = flushing_ = false;
+        endOfStream = formatFailed = flushing = false;
         result = OnConnected(*connector);
         if (FAILED(result)) {
             OnDisconnected();
@@ -43,32 +49,36 @@ STDMETHODIMP InputPin::ReceiveConnection(IPin* connector, const AM_MEDIA_TYPE* t
 }
 
 void InputPin::OnDisconnected() {
-    allocator_.Reset();
+    agreedAllocator.Reset();
 }
 
 HRESULT InputPin::CheckStreaming() const {
-    if (Filter().State() == State_Stopped)
+    if (Filter().State() == State_Stopped) {
         return VFW_E_WRONG_STATE;
-    if (flushing_)
+    }
+    if (flushing) {
         return S_FALSE;
-    if (formatFailed_)
+    }
+    if (formatFailed) {
         return VFW_E_RUNTIME_ERROR;
+    }
     return S_OK;
 }
 
 STDMETHODIMP InputPin::EndOfStream() {
     return Guarded([&] {
         const HRESULT allowed = CheckStreaming();
-        if (allowed != S_OK)
+        if (allowed != S_OK) {
             return allowed;
-        endOfStream_ = true;
+        }
+        endOfStream = true;
         return OnEndOfStream();
     });
 }
 
 STDMETHODIMP InputPin::BeginFlush() {
     return Guarded([&] {
-        flushing_ = true;
+        flushing = true;
         return OnBeginFlush();
     });
 }
@@ -76,8 +86,8 @@ STDMETHODIMP InputPin::BeginFlush() {
 STDMETHODIMP InputPin::EndFlush() {
     return Guarded([&] {
         const HRESULT result = OnEndFlush();
-        endOfStream_ = formatFailed_ = false;
-        flushing_ = false;
+        endOfStream = formatFailed = false;
+        flushing = false;
         return result;
     });
 }
@@ -94,16 +104,18 @@ STDMETHODIMP InputPin::Notify(IBaseFilter* sender, Quality quality) {
     ComPtr<IQualityControl> target = QualitySink();
     if (!target) {
         const ComPtr<IPin> peer = Peer();
-        if (peer)
+        if (peer) {
             peer->QueryInterface(IID_IQualityControl, reinterpret_cast<void**>(target.GetAddressOf()));
+        }
     }
     return target ? target->Notify(sender, quality) : VFW_E_NOT_FOUND;
 }
 
 STDMETHODIMP InputPin::GetAllocator(IMemAllocator** allocator) {
     return Guarded([&] {
-        if (allocator == nullptr)
+        if (allocator == nullptr) {
             return E_POINTER;
+        }
         *allocator = nullptr;
         *allocator = new SampleAllocator();
         return S_OK;
@@ -111,10 +123,11 @@ STDMETHODIMP InputPin::GetAllocator(IMemAllocator** allocator) {
 }
 
 STDMETHODIMP InputPin::NotifyAllocator(IMemAllocator* allocator, BOOL) {
-    if (allocator == nullptr)
+    if (allocator == nullptr) {
         return E_POINTER;
+    }
     const std::lock_guard lock(Filter().StateLock());
-    allocator_ = allocator;
+    agreedAllocator = allocator;
     return S_OK;
 }
 
@@ -124,19 +137,22 @@ STDMETHODIMP InputPin::GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties
 
 STDMETHODIMP InputPin::Receive(IMediaSample* sample) {
     return Guarded([&]() -> HRESULT {
-        if (sample == nullptr)
+        if (sample == nullptr) {
             return E_POINTER;
+        }
         const HRESULT allowed = CheckStreaming();
-        if (allowed != S_OK)
+        if (allowed != S_OK) {
             return allowed;
-        if (endOfStream_)
+        }
+        if (endOfStream) {
             return VFW_E_SAMPLE_REJECTED_EOS;
+        }
         AM_MEDIA_TYPE* changed = nullptr;
         if (sample->GetMediaType(&changed) == S_OK && changed != nullptr) {
             const MediaType type(*changed);
             MediaType::FreeTaskMem(changed);
             if (CheckType(type) != S_OK || FAILED(OnFormatChange(type))) {
-                formatFailed_ = true;
+                formatFailed = true;
                 Filter().Notify(EC_ERRORABORT, VFW_E_TYPE_NOT_ACCEPTED, 0);
                 return VFW_E_INVALIDMEDIATYPE;
             }
@@ -147,13 +163,15 @@ STDMETHODIMP InputPin::Receive(IMediaSample* sample) {
 }
 
 STDMETHODIMP InputPin::ReceiveMultiple(IMediaSample** samples, LONG count, LONG* processed) {
-    if (samples == nullptr || processed == nullptr)
+    if (samples == nullptr || processed == nullptr) {
         return E_POINTER;
+    }
     *processed = 0;
     for (LONG i = 0; i < count; ++i) {
         const HRESULT result = Receive(samples[i]);
-        if (result != S_OK)
+        if (result != S_OK) {
             return result;
+        }
         ++*processed;
     }
     return S_OK;
@@ -164,14 +182,15 @@ STDMETHODIMP InputPin::ReceiveCanBlock() {
 }
 
 HRESULT InputPin::Activate() {
-    endOfStream_ = formatFailed_ = flushing_ = false;
+    endOfStream = formatFailed = flushing = false;
     return S_OK;
 }
 
 void InputPin::Deactivate() {
-    endOfStream_ = formatFailed_ = flushing_ = false;
-    if (allocator_)
-        allocator_->Decommit();
+    endOfStream = formatFailed = flushing = false;
+    if (agreedAllocator) {
+        agreedAllocator->Decommit();
+    }
 }
 
 } // namespace brindlecast

@@ -27,8 +27,8 @@ public:
     HRESULT Activate() override;
     void Deactivate() override;
 
-    [[nodiscard]] bool IsFlushing() const noexcept { return flushing_.load(); }
-    [[nodiscard]] bool SawEndOfStream() const noexcept { return endOfStream_.load(); }
+    [[nodiscard]] bool IsFlushing() const noexcept { return flushing.load(); }
+    [[nodiscard]] bool SawEndOfStream() const noexcept { return endOfStream.load(); }
 
 protected:
     InputPin(BaseFilter& filter, std::wstring name);
@@ -52,10 +52,10 @@ protected:
 private:
     [[nodiscard]] HRESULT CheckStreaming() const;
 
-    std::atomic<bool> flushing_{false};
-    std::atomic<bool> endOfStream_{false};
-    std::atomic<bool> formatFailed_{false};
-    Microsoft::WRL::ComPtr<IMemAllocator> allocator_; // under the state lock
+    std::atomic<bool> flushing{false};
+    std::atomic<bool> endOfStream{false};
+    std::atomic<bool> formatFailed{false};
+    Microsoft::WRL::ComPtr<IMemAllocator> agreedAllocator; // under the state lock
 };
 
 } // namespace brindlecast

@@ -37,7 +37,7 @@ public:
 
     BRINDLECAST_COM_METHODS
 
-    STDMETHODIMP GetPointer(BYTE** buffer) override;
+    STDMETHODIMP GetPointer(BYTE** out) override;
     STDMETHODIMP_(LONG) GetSize() override;
     STDMETHODIMP GetTime(REFERENCE_TIME* start, REFERENCE_TIME* stop) override;
     STDMETHODIMP SetTime(REFERENCE_TIME* start, REFERENCE_TIME* stop) override;
@@ -46,11 +46,11 @@ public:
     STDMETHODIMP IsPreroll() override;
     STDMETHODIMP SetPreroll(BOOL isPreroll) override;
     STDMETHODIMP_(LONG) GetActualDataLength() override;
-    STDMETHODIMP SetActualDataLength(LONG length) override;
+    STDMETHODIMP SetActualDataLength(LONG newLength) override;
     STDMETHODIMP GetMediaType(AM_MEDIA_TYPE** type) override;
     STDMETHODIMP SetMediaType(AM_MEDIA_TYPE* type) override;
     STDMETHODIMP IsDiscontinuity() override;
-    STDMETHODIMP SetDiscontinuity(BOOL discontinuity) override;
+    STDMETHODIMP SetDiscontinuity(BOOL isDiscontinuity) override;
     STDMETHODIMP GetMediaTime(LONGLONG* start, LONGLONG* stop) override;
     STDMETHODIMP SetMediaTime(LONGLONG* start, LONGLONG* stop) override;
 
@@ -79,19 +79,19 @@ private:
     void OnLastRelease() noexcept override;
     // Makes the buffer at least that large; false when memory runs out. Old content is lost on growth.
     bool Reserve(LONG size, LONG alignment) noexcept;
-    void ResetForUse(SampleAllocator& owner) noexcept;
+    void ResetForUse(SampleAllocator& newOwner) noexcept;
 
-    SampleAllocator* owner_ = nullptr; // referenced while the sample is out, else null
-    std::unique_ptr<BYTE, AlignedFree> buffer_;
-    LONG capacity_ = 0;
-    LONG length_ = 0;
-    std::optional<Span> time_;
-    std::optional<Span> mediaTime_;
-    std::optional<MediaType> type_;
-    std::vector<SideData> sideData_;
-    bool syncPoint_ = false;
-    bool preroll_ = false;
-    bool discontinuity_ = false;
+    SampleAllocator* owner = nullptr; // referenced while the sample is out, else null
+    std::unique_ptr<BYTE, AlignedFree> buffer;
+    LONG capacity = 0;
+    LONG length = 0;
+    std::optional<Span> time;
+    std::optional<Span> mediaTime;
+    std::optional<MediaType> typeChange;
+    std::vector<SideData> sideData;
+    bool syncPoint = false;
+    bool preroll = false;
+    bool discontinuity = false;
 };
 
 } // namespace brindlecast

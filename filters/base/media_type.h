@@ -19,10 +19,10 @@ public:
     MediaType& operator=(MediaType other) noexcept;
     ~MediaType();
 
-    [[nodiscard]] const AM_MEDIA_TYPE& Get() const noexcept { return type_; }
-    [[nodiscard]] const AM_MEDIA_TYPE* operator->() const noexcept { return &type_; }
+    [[nodiscard]] const AM_MEDIA_TYPE& Get() const noexcept { return structure; }
+    [[nodiscard]] const AM_MEDIA_TYPE* operator->() const noexcept { return &structure; }
     // For changing plain fields. Use SetFormat for the format block.
-    [[nodiscard]] AM_MEDIA_TYPE& Edit() noexcept { return type_; }
+    [[nodiscard]] AM_MEDIA_TYPE& Edit() noexcept { return structure; }
 
     // Empties the value and hands out its address for an API that fills it in (its block then belongs to
     // this).
@@ -35,11 +35,11 @@ public:
     // The format block as T when the format type fits and the block is large enough, else null.
     template <class T>
     [[nodiscard]] const T* Format(const GUID& formatType) const noexcept {
-        return FormatOf<T>(type_, formatType);
+        return FormatOf<T>(structure, formatType);
     }
     template <class T>
     [[nodiscard]] T* Format(const GUID& formatType) noexcept {
-        return const_cast<T*>(FormatOf<T>(type_, formatType));
+        return const_cast<T*>(FormatOf<T>(structure, formatType));
     }
     template <class T>
     [[nodiscard]] static const T* FormatOf(const AM_MEDIA_TYPE& type, const GUID& formatType) noexcept {
@@ -69,7 +69,7 @@ public:
 private:
     static HRESULT Copy(AM_MEDIA_TYPE& target, const AM_MEDIA_TYPE& source) noexcept;
 
-    AM_MEDIA_TYPE type_{};
+    AM_MEDIA_TYPE structure{};
 };
 
 } // namespace brindlecast

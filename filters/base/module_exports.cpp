@@ -5,22 +5,24 @@ namespace {
 
 class ClassFactory final : public IClassFactory, public RefCounted {
 public:
-    explicit ClassFactory(const ModuleClass& entry) noexcept : entry_(entry) {}
+    explicit ClassFactory(const ModuleClass& theEntry) noexcept : entry(theEntry) {}
 
     BRINDLECAST_COM_METHODS
 
     STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** out) override {
-        if (out == nullptr)
+        if (out == nullptr) {
             return E_POINTER;
+        }
         *out = nullptr;
-        return outer != nullptr ? CLASS_E_NOAGGREGATION : entry_.create(iid, out);
+        return outer != nullptr ? CLASS_E_NOAGGREGATION : entry.create(iid, out);
     }
 
     STDMETHODIMP LockServer(BOOL lock) override {
-        if (lock)
+        if (lock) {
             AddModuleObject();
-        else
+        } else {
             RemoveModuleObject();
+        }
         return S_OK;
     }
 
@@ -29,7 +31,7 @@ private:
         return iid == IID_IUnknown || iid == IID_IClassFactory ? static_cast<IClassFactory*>(this) : nullptr;
     }
 
-    const ModuleClass& entry_;
+    const ModuleClass& entry;
 };
 
 } // namespace
@@ -37,12 +39,14 @@ private:
 HRESULT ModuleGetClassObject(std::span<const ModuleClass> classes, REFCLSID clsid, REFIID iid,
                              void** out) noexcept {
     return Guarded([&]() -> HRESULT {
-        if (out == nullptr)
+        if (out == nullptr) {
             return E_POINTER;
+        }
         *out = nullptr;
         for (const ModuleClass& entry : classes) {
-            if (*entry.clsid != clsid)
+            if (*entry.clsid != clsid) {
                 continue;
+            }
             auto* factory = new ClassFactory(entry);
             const HRESULT result = factory->QueryInterface(iid, out);
             factory->ReleaseReference();

@@ -16,8 +16,9 @@ struct ModuleClass {
 template <class T>
 HRESULT CreateObject(REFIID iid, void** out) noexcept {
     return Guarded([&] {
-        if (out == nullptr)
+        if (out == nullptr) {
             return E_POINTER;
+        }
         *out = nullptr;
         T* object = new T();
         const HRESULT result = object->QueryInterface(iid, out);

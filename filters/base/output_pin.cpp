@@ -13,23 +13,30 @@ OutputPin::OutputPin(BaseFilter& filter, std::wstring name)
 
 STDMETHODIMP OutputPin::Connect(IPin* receiver, const AM_MEDIA_TYPE* type) {
     return Guarded([&]() -> HRESULT {
-        if (receiver == nullptr)
+        if (receiver == nullptr) {
             return E_POINTER;
+        }
         const std::lock_guard lock(Filter().StateLock());
-        if (IsConnected())
+        if (IsConnected()) {
             return VFW_E_ALREADY_CONNECTED;
-        if (Filter().State() != State_Stopped && !ConnectsWhileActive())
+        }
+        if (Filter().State() != State_Stopped && !ConnectsWhileActive()) {
             return VFW_E_NOT_STOPPED;
+        }
         PIN_DIRECTION direction = PINDIR_OUTPUT;
-        if (FAILED(receiver->QueryDirection(&direction)) || direction != PINDIR_INPUT)
+        if (FAILED(receiver->QueryDirection(&direction)) || direction != PINDIR_INPUT) {
             return VFW_E_INVALID_DIRECTION;
-        if (type != nullptr && !MediaType::IsPartial(*type))
+        }
+        if (type != nullptr && !MediaType::IsPartial(*type)) {
             return TryConnect(*receiver, MediaType(*type));
+        }
         for (const MediaType& own : PreferredTypes()) {
-            if (type != nullptr && !own.Matches(*type))
+            if (type != nullptr && !own.Matches(*type)) {
                 continue;
-            if (SUCCEEDED(TryConnect(*receiver, own)))
+            }
+            if (SUCCEEDED(TryConnect(*receiver, own))) {
                 return S_OK;
+            }
         }
         return TryReceiversTypes(*receiver, type);
     });
@@ -37,26 +44,31 @@ STDMETHODIMP OutputPin::Connect(IPin* receiver, const AM_MEDIA_TYPE* type) {
 
 HRESULT OutputPin::TryReceiversTypes(IPin& receiver, const AM_MEDIA_TYPE* pattern) {
     ComPtr<IEnumMediaTypes> types;
-    if (FAILED(receiver.EnumMediaTypes(types.GetAddressOf())) || !types)
+    if (FAILED(receiver.EnumMediaTypes(types.GetAddressOf())) || !types) {
         return VFW_E_NO_ACCEPTABLE_TYPES;
+    }
     AM_MEDIA_TYPE* next = nullptr;
     while (types->Next(1, &next, nullptr) == S_OK) {
         const MediaType theirs(*next);
         MediaType::FreeTaskMem(next);
-        if (MediaType::IsPartial(theirs.Get()) || (pattern != nullptr && !theirs.Matches(*pattern)))
+        if (MediaType::IsPartial(theirs.Get()) || (pattern != nullptr && !theirs.Matches(*pattern))) {
             continue;
-        if (SUCCEEDED(TryConnect(receiver, theirs)))
+        }
+        if (SUCCEEDED(TryConnect(receiver, theirs))) {
             return S_OK;
+        }
     }
     return VFW_E_NO_ACCEPTABLE_TYPES;
 }
 
 HRESULT OutputPin::TryConnect(IPin& receiver, const MediaType& type) {
-    if (CheckType(type) != S_OK)
+    if (CheckType(type) != S_OK) {
         return VFW_E_TYPE_NOT_ACCEPTED;
+    }
     HRESULT result = OnTypeAgreed(type);
-    if (FAILED(result))
+    if (FAILED(result)) {
         return result;
+    }
     SetType(type);
     SetPeer(&receiver);
     result = receiver.ReceiveConnection(this, &type.Get());
@@ -67,8 +79,9 @@ HRESULT OutputPin::TryConnect(IPin& receiver, const MediaType& type) {
             OnDisconnected();
         }
     }
-    if (FAILED(result))
+    if (FAILED(result)) {
         SetPeer(nullptr);
+    }
     return result;
 }
 
@@ -92,14 +105,16 @@ HRESULT OutputPin::Negotiate(IMemInputPin& input) {
     for (const bool receivers : {PrefersReceiversAllocator(), !PrefersReceiversAllocator()}) {
         ComPtr<IMemAllocator> allocator;
         if (receivers) {
-            if (FAILED(input.GetAllocator(allocator.GetAddressOf())) || !allocator)
+            if (FAILED(input.GetAllocator(allocator.GetAddressOf())) || !allocator) {
                 continue;
+            }
         } else {
             allocator = AdoptReference<IMemAllocator>(new SampleAllocator());
         }
         result = TryAllocator(input, *allocator.Get(), needs);
-        if (SUCCEEDED(result))
+        if (SUCCEEDED(result)) {
             return result;
+        }
     }
     return result;
 }
@@ -109,28 +124,31 @@ HRESULT OutputPin::TryAllocator(IMemInputPin& input, IMemAllocator& allocator,
     ALLOCATOR_PROPERTIES request = needs;
     ALLOCATOR_PROPERTIES actual{};
     HRESULT result = allocator.SetProperties(&request, &actual);
-    if (FAILED(result))
+    if (FAILED(result)) {
         return result;
-    if (actual.cBuffers < needs.cBuffers || actual.cbBuffer < needs.cbBuffer)
+    }
+    if (actual.cBuffers < needs.cBuffers || actual.cbBuffer < needs.cbBuffer) {
         return E_FAIL;
+    }
     result = input.NotifyAllocator(&allocator, FALSE);
-    if (FAILED(result))
+    if (FAILED(result)) {
         return result;
-    const std::lock_guard lock(linkLock_);
-    link_ = {&input, &allocator};
+    }
+    const std::lock_guard lock(linkLock);
+    currentLink = {&input, &allocator};
     return S_OK;
 }
 
 void OutputPin::OnDisconnected() {
     Link old; // released outside the lock
-    const std::lock_guard lock(linkLock_);
-    std::swap(old, link_);
-    typePending_ = false;
+    const std::lock_guard lock(linkLock);
+    std::swap(old, currentLink);
+    typePending = false;
 }
 
 OutputPin::Link OutputPin::CurrentLink() {
-    const std::lock_guard lock(linkLock_);
-    return link_;
+    const std::lock_guard lock(linkLock);
+    return currentLink;
 }
 
 HRESULT OutputPin::Activate() {
@@ -140,22 +158,26 @@ HRESULT OutputPin::Activate() {
 
 void OutputPin::Deactivate() {
     const Link link = CurrentLink();
-    if (link.allocator)
+    if (link.allocator) {
         link.allocator->Decommit();
+    }
 }
 
 HRESULT OutputPin::GetBuffer(IMediaSample** sample, LONG size, DWORD flags) {
     *sample = nullptr;
     const Link link = CurrentLink();
-    if (!link.allocator)
+    if (!link.allocator) {
         return VFW_E_NOT_CONNECTED;
+    }
     ComPtr<IGrowingAllocator> growing;
     if (SUCCEEDED(link.allocator->QueryInterface(kIidGrowingAllocator,
-                                                 reinterpret_cast<void**>(growing.GetAddressOf()))))
+                                                 reinterpret_cast<void**>(growing.GetAddressOf())))) {
         return growing->GetBufferOfSize(size, sample, flags);
+    }
     const HRESULT result = link.allocator->GetBuffer(sample, nullptr, nullptr, flags);
-    if (FAILED(result))
+    if (FAILED(result)) {
         return result;
+    }
     if ((*sample)->GetSize() < size) {
         (*sample)->Release();
         *sample = nullptr;
@@ -166,13 +188,15 @@ HRESULT OutputPin::GetBuffer(IMediaSample** sample, LONG size, DWORD flags) {
 
 HRESULT OutputPin::Deliver(IMediaSample* sample) {
     const Link link = CurrentLink();
-    if (!link.input)
+    if (!link.input) {
         return VFW_E_NOT_CONNECTED;
-    if (typePending_.exchange(false)) {
+    }
+    if (typePending.exchange(false)) {
         MediaType type = Type();
         const HRESULT result = sample->SetMediaType(&type.Edit());
-        if (FAILED(result))
+        if (FAILED(result)) {
             return result;
+        }
     }
     return link.input->Receive(sample);
 }
@@ -201,10 +225,12 @@ HRESULT OutputPin::DeliverEndFlush() {
 HRESULT OutputPin::ChangeType(const MediaType& type, LONG bufferSize) {
     const ComPtr<IPin> peer = Peer();
     const Link link = CurrentLink();
-    if (!peer || !link.allocator)
+    if (!peer || !link.allocator) {
         return VFW_E_NOT_CONNECTED;
-    if (peer->QueryAccept(&type.Get()) != S_OK)
+    }
+    if (peer->QueryAccept(&type.Get()) != S_OK) {
         return VFW_E_TYPE_NOT_ACCEPTED;
+    }
     ALLOCATOR_PROPERTIES properties{};
     HRESULT result = link.allocator->GetProperties(&properties);
     if (SUCCEEDED(result) && properties.cbBuffer < bufferSize) {
@@ -218,14 +244,16 @@ HRESULT OutputPin::ChangeType(const MediaType& type, LONG bufferSize) {
             link.allocator->Decommit();
             result = link.allocator->SetProperties(&properties, &actual);
             const HRESULT committed = link.allocator->Commit();
-            if (SUCCEEDED(result))
+            if (SUCCEEDED(result)) {
                 result = committed;
+            }
         }
     }
-    if (FAILED(result))
+    if (FAILED(result)) {
         return result;
+    }
     SetType(type);
-    typePending_ = true;
+    typePending = true;
     return S_OK;
 }
 

@@ -51,9 +51,9 @@ private:
     HRESULT TryAllocator(IMemInputPin& input, IMemAllocator& allocator, const ALLOCATOR_PROPERTIES& needs);
     [[nodiscard]] Link CurrentLink();
 
-    std::mutex linkLock_; // leaf lock
-    Link link_;
-    std::atomic<bool> typePending_{false};
+    std::mutex linkLock; // leaf lock
+    Link currentLink;
+    std::atomic<bool> typePending{false};
 };
 
 } // namespace brindlecast

@@ -27,7 +27,7 @@ public:
     BRINDLECAST_COM_METHODS
 
     STDMETHODIMP SetProperties(ALLOCATOR_PROPERTIES* request, ALLOCATOR_PROPERTIES* actual) override;
-    STDMETHODIMP GetProperties(ALLOCATOR_PROPERTIES* properties) override;
+    STDMETHODIMP GetProperties(ALLOCATOR_PROPERTIES* out) override;
     STDMETHODIMP Commit() override;
     STDMETHODIMP Decommit() override;
     STDMETHODIMP GetBuffer(IMediaSample** sample, REFERENCE_TIME* start, REFERENCE_TIME* stop,
@@ -45,12 +45,12 @@ private:
     void* FindInterface(REFIID iid) noexcept;
     void DestroyFreeSamples() noexcept;
 
-    std::mutex mutex_;
-    std::condition_variable freed_;
-    ALLOCATOR_PROPERTIES properties_{0, 0, 1, 0};
-    std::vector<MediaSample*> free_; // capacity for all samples is reserved by Commit: TakeBack can't fail
-    LONG created_ = 0;
-    bool committed_ = false;
+    std::mutex mutex;
+    std::condition_variable freed;
+    ALLOCATOR_PROPERTIES properties{0, 0, 1, 0};
+    std::vector<MediaSample*> free; // capacity for all samples is reserved by Commit: TakeBack can't fail
+    LONG created = 0;
+    bool committed = false;
 };
 
 } // namespace brindlecast

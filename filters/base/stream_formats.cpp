@@ -56,13 +56,16 @@ bool HasConfigurationRecord(const AVCodecParameters& parameters) {
 
 // 0 when the codec has no FOURCC.
 std::uint32_t VideoTagFor(const AVCodecParameters& parameters) {
-    if (parameters.codec_id == AV_CODEC_ID_H264 && HasConfigurationRecord(parameters))
+    if (parameters.codec_id == AV_CODEC_ID_H264 && HasConfigurationRecord(parameters)) {
         return FourCc('A', 'V', 'C', '1');
-    if (parameters.codec_id == AV_CODEC_ID_HEVC && HasConfigurationRecord(parameters))
+    }
+    if (parameters.codec_id == AV_CODEC_ID_HEVC && HasConfigurationRecord(parameters)) {
         return FourCc('H', 'V', 'C', '1');
+    }
     for (const VideoTag& entry : kVideoTags) {
-        if (entry.codec == parameters.codec_id)
+        if (entry.codec == parameters.codec_id) {
             return entry.tag;
+        }
     }
     const AVCodecTag* const riff[] = {avformat_get_riff_video_tags(), nullptr};
     return av_codec_get_tag(riff, parameters.codec_id);
@@ -70,8 +73,9 @@ std::uint32_t VideoTagFor(const AVCodecParameters& parameters) {
 
 AVCodecID VideoCodecFor(std::uint32_t tag) {
     for (const VideoTag& entry : kVideoTags) {
-        if (entry.tag == tag)
+        if (entry.tag == tag) {
             return entry.codec;
+        }
     }
     const AVCodecTag* const tables[] = {avformat_get_riff_video_tags(), avformat_get_mov_video_tags(),
                                         nullptr};
@@ -79,10 +83,12 @@ AVCodecID VideoCodecFor(std::uint32_t tag) {
 }
 
 GUID VideoSubtype(const AVCodecParameters& parameters, std::uint32_t tag) {
-    if (parameters.codec_id == AV_CODEC_ID_MPEG1VIDEO)
+    if (parameters.codec_id == AV_CODEC_ID_MPEG1VIDEO) {
         return MEDIASUBTYPE_MPEG1Payload;
-    if (parameters.codec_id == AV_CODEC_ID_MPEG2VIDEO)
+    }
+    if (parameters.codec_id == AV_CODEC_ID_MPEG2VIDEO) {
         return MEDIASUBTYPE_MPEG2_VIDEO;
+    }
     return tag != 0 ? TagSubtype(tag) : CodecSubtype(parameters.codec_id);
 }
 
@@ -119,11 +125,12 @@ void FillVideoHeader(VIDEOINFOHEADER2& header, const AVCodecParameters& paramete
 // Reads the configuration records of MP4 byte by byte; past the end it answers zeros and remembers.
 class RecordReader {
 public:
-    RecordReader(const std::uint8_t* data, int size) : data_(data), size_(static_cast<std::size_t>(size)) {}
+    RecordReader(const std::uint8_t* record, int recordSize)
+        : data(record), size(static_cast<std::size_t>(recordSize)) {}
 
-    [[nodiscard]] std::uint8_t Byte(std::size_t offset) const { return offset < size_ ? data_[offset] : 0; }
-    void Skip(std::size_t count) { position_ += count; }
-    std::uint32_t Next8() { return Byte(position_++); }
+    [[nodiscard]] std::uint8_t Byte(std::size_t offset) const { return offset < size ? data[offset] : 0; }
+    void Skip(std::size_t count) { position += count; }
+    std::uint32_t Next8() { return Byte(position++); }
     std::uint32_t Next16() {
         const std::uint32_t high = Next8();
         return high << 8 | Next8();
@@ -131,19 +138,20 @@ public:
     // A unit behind a 16-bit length, appended with that length; false at the end of the data.
     bool AppendUnit(std::vector<std::uint8_t>& out) {
         const std::uint32_t length = Next16();
-        if (position_ + length > size_)
+        if (position + length > size) {
             return false;
+        }
         out.push_back(static_cast<std::uint8_t>(length >> 8));
         out.push_back(static_cast<std::uint8_t>(length));
-        out.insert(out.end(), data_ + position_, data_ + position_ + length);
-        position_ += length;
+        out.insert(out.end(), data + position, data + position + length);
+        position += length;
         return true;
     }
 
 private:
-    const std::uint8_t* data_;
-    std::size_t size_;
-    std::size_t position_ = 0;
+    const std::uint8_t* data;
+    std::size_t size;
+    std::size_t position = 0;
 };
 
 // Parameter sets behind 16-bit lengths, from avcC or hvcC.
@@ -154,8 +162,9 @@ std::vector<std::uint8_t> ParameterSets(const AVCodecParameters& parameters) {
         reader.Skip(5);
         for (const std::uint32_t mask : {0x1fu, 0xffu}) { // sequence sets, then picture sets
             for (std::uint32_t count = reader.Next8() & mask; count > 0; --count) {
-                if (!reader.AppendUnit(sets))
+                if (!reader.AppendUnit(sets)) {
                     return sets;
+                }
             }
         }
         return sets;
@@ -164,8 +173,9 @@ std::vector<std::uint8_t> ParameterSets(const AVCodecParameters& parameters) {
     for (std::uint32_t arrays = reader.Next8(); arrays > 0; --arrays) {
         reader.Skip(1);
         for (std::uint32_t count = reader.Next16(); count > 0; --count) {
-            if (!reader.AppendUnit(sets))
+            if (!reader.AppendUnit(sets)) {
                 return sets;
+            }
         }
     }
     return sets;
@@ -193,14 +203,16 @@ MediaType Mpeg2VideoType(const AVCodecParameters& parameters, const VIDEOINFOHEA
     info->dwProfile = parameters.profile > 0 ? static_cast<DWORD>(parameters.profile) : 0;
     info->dwLevel = parameters.level > 0 ? static_cast<DWORD>(parameters.level) : 0;
     info->dwFlags = lengthBytes;
-    if (!sequence.empty())
+    if (!sequence.empty()) {
         std::memcpy(info->dwSequenceHeader, sequence.data(), sequence.size());
+    }
     return type;
 }
 
 std::vector<MediaType> VideoTypes(const AVCodecParameters& parameters, const StreamTiming& timing) {
-    if (parameters.width <= 0 || parameters.height <= 0)
+    if (parameters.width <= 0 || parameters.height <= 0) {
         return {};
+    }
     const std::uint32_t tag = VideoTagFor(parameters);
     const GUID subtype = VideoSubtype(parameters, tag);
     VIDEOINFOHEADER2 header{};
@@ -209,8 +221,9 @@ std::vector<MediaType> VideoTypes(const AVCodecParameters& parameters, const Str
     const auto extra = static_cast<std::size_t>(parameters.extradata_size);
     BYTE* block = first.AllocateFormat(FORMAT_VideoInfo2, sizeof(header) + extra);
     std::memcpy(block, &header, sizeof(header));
-    if (extra != 0)
+    if (extra != 0) {
         std::memcpy(block + sizeof(header), parameters.extradata, extra);
+    }
     std::vector<MediaType> types;
     types.push_back(std::move(first));
     types.push_back(Mpeg2VideoType(parameters, header, subtype));
@@ -230,8 +243,9 @@ std::uint16_t PcmTag(AVCodecID codec) {
 }
 
 AVCodecID PcmCodec(std::uint16_t tag, int bits) {
-    if (tag == WAVE_FORMAT_IEEE_FLOAT)
+    if (tag == WAVE_FORMAT_IEEE_FLOAT) {
         return bits == 64 ? AV_CODEC_ID_PCM_F64LE : bits == 32 ? AV_CODEC_ID_PCM_F32LE : AV_CODEC_ID_NONE;
+    }
     switch (bits) {
     case 8: return AV_CODEC_ID_PCM_U8;
     case 16: return AV_CODEC_ID_PCM_S16LE;
@@ -243,10 +257,12 @@ AVCodecID PcmCodec(std::uint16_t tag, int bits) {
 
 // 0 when the codec has no wave tag that leads back to it.
 std::uint16_t AudioTagFor(const AVCodecParameters& parameters) {
-    if (parameters.codec_id == AV_CODEC_ID_AAC)
+    if (parameters.codec_id == AV_CODEC_ID_AAC) {
         return parameters.extradata_size > 0 ? kTagRawAac : kTagAdtsAac;
-    if (const std::uint16_t pcm = PcmTag(parameters.codec_id); pcm != 0)
+    }
+    if (const std::uint16_t pcm = PcmTag(parameters.codec_id); pcm != 0) {
         return pcm;
+    }
     const AVCodecTag* const riff[] = {avformat_get_riff_audio_tags(), nullptr};
     const unsigned tag = av_codec_get_tag(riff, parameters.codec_id);
     const bool leadsBack = tag != 0 && tag <= 0xffff && tag != WAVE_FORMAT_PCM &&
@@ -255,10 +271,12 @@ std::uint16_t AudioTagFor(const AVCodecParameters& parameters) {
 }
 
 AVCodecID AudioCodecFor(std::uint16_t tag, int bits) {
-    if (tag == WAVE_FORMAT_PCM || tag == WAVE_FORMAT_IEEE_FLOAT)
+    if (tag == WAVE_FORMAT_PCM || tag == WAVE_FORMAT_IEEE_FLOAT) {
         return PcmCodec(tag, bits);
-    if (tag == kTagRawAac || tag == kTagAdtsAac)
+    }
+    if (tag == kTagRawAac || tag == kTagAdtsAac) {
         return AV_CODEC_ID_AAC;
+    }
     const AVCodecTag* const riff[] = {avformat_get_riff_audio_tags(), nullptr};
     return av_codec_get_id(riff, tag);
 }
@@ -266,8 +284,9 @@ AVCodecID AudioCodecFor(std::uint16_t tag, int bits) {
 std::vector<MediaType> AudioTypes(const AVCodecParameters& parameters) {
     const int channels = parameters.ch_layout.nb_channels;
     const auto extra = static_cast<std::size_t>(parameters.extradata_size);
-    if (parameters.sample_rate <= 0 || channels <= 0 || channels > 0xffff || extra > kMaxAudioExtradata)
+    if (parameters.sample_rate <= 0 || channels <= 0 || channels > 0xffff || extra > kMaxAudioExtradata) {
         return {};
+    }
     const std::uint16_t tag = AudioTagFor(parameters);
     WAVEFORMATEXTENSIBLE wave{};
     WAVEFORMATEX& format = wave.Format;
@@ -289,8 +308,9 @@ std::vector<MediaType> AudioTypes(const AVCodecParameters& parameters) {
             format.wFormatTag = WAVE_FORMAT_EXTENSIBLE;
             format.cbSize = sizeof(wave) - sizeof(format);
             wave.Samples.wValidBitsPerSample = format.wBitsPerSample;
-            if (parameters.ch_layout.order == AV_CHANNEL_ORDER_NATIVE)
+            if (parameters.ch_layout.order == AV_CHANNEL_ORDER_NATIVE) {
                 wave.dwChannelMask = static_cast<DWORD>(parameters.ch_layout.u.mask);
+            }
             wave.SubFormat = TagSubtype(tag);
             type.SetFormat(FORMAT_WaveFormatEx, &wave, sizeof(wave));
             return {std::move(type)};
@@ -299,31 +319,38 @@ std::vector<MediaType> AudioTypes(const AVCodecParameters& parameters) {
     format.cbSize = static_cast<WORD>(extra);
     BYTE* block = type.AllocateFormat(FORMAT_WaveFormatEx, sizeof(format) + extra);
     std::memcpy(block, &format, sizeof(format));
-    if (extra != 0)
+    if (extra != 0) {
         std::memcpy(block + sizeof(format), parameters.extradata, extra);
+    }
     return {std::move(type)};
 }
 
 bool SetExtradata(AVCodecParameters& parameters, const void* data, std::size_t size) {
-    if (size == 0)
+    if (size == 0) {
         return true;
-    if (size > 0x7fffffff - AV_INPUT_BUFFER_PADDING_SIZE)
+    }
+    if (size > 0x7fffffff - AV_INPUT_BUFFER_PADDING_SIZE) {
         return false;
+    }
     parameters.extradata = static_cast<std::uint8_t*>(av_mallocz(size + AV_INPUT_BUFFER_PADDING_SIZE));
-    if (parameters.extradata == nullptr)
+    if (parameters.extradata == nullptr) {
         return false;
+    }
     std::memcpy(parameters.extradata, data, size);
     parameters.extradata_size = static_cast<int>(size);
     return true;
 }
 
 AVCodecID VideoCodecOf(const AM_MEDIA_TYPE& type, DWORD compression) {
-    if (const auto codec = CodecOfSubtype(type.subtype))
+    if (const auto codec = CodecOfSubtype(type.subtype)) {
         return static_cast<AVCodecID>(*codec);
-    if (type.subtype == MEDIASUBTYPE_MPEG1Payload || type.subtype == MEDIASUBTYPE_MPEG1Packet)
+    }
+    if (type.subtype == MEDIASUBTYPE_MPEG1Payload || type.subtype == MEDIASUBTYPE_MPEG1Packet) {
         return AV_CODEC_ID_MPEG1VIDEO;
-    if (type.subtype == MEDIASUBTYPE_MPEG2_VIDEO)
+    }
+    if (type.subtype == MEDIASUBTYPE_MPEG2_VIDEO) {
         return AV_CODEC_ID_MPEG2VIDEO;
+    }
     const auto tag = TagOfSubtype(type.subtype);
     const AVCodecID codec = tag ? VideoCodecFor(*tag) : AV_CODEC_ID_NONE;
     return codec != AV_CODEC_ID_NONE || tag ? codec : VideoCodecFor(compression);
@@ -337,16 +364,18 @@ std::vector<std::uint8_t> AvcRecord(const std::uint8_t* sets, std::size_t size, 
     int pictureCount = 0;
     for (std::size_t at = 0; at + 2 < size;) {
         const std::size_t length = static_cast<std::size_t>(sets[at]) << 8 | sets[at + 1];
-        if (length == 0 || at + 2 + length > size)
+        if (length == 0 || at + 2 + length > size) {
             break;
+        }
         const bool isSequence = (sets[at + 2] & 0x1f) == 7;
         auto& target = isSequence ? sequence : picture;
         ++(isSequence ? sequenceCount : pictureCount);
         target.insert(target.end(), sets + at, sets + at + 2 + length);
         at += 2 + length;
     }
-    if (sequence.size() < 6 || sequenceCount > 31 || pictureCount > 255)
+    if (sequence.size() < 6 || sequenceCount > 31 || pictureCount > 255) {
         return {};
+    }
     std::vector<std::uint8_t> record = {1,
                                         sequence[3],
                                         sequence[4],
@@ -368,8 +397,9 @@ bool ReadMpeg2Extradata(AVCodecParameters& parameters, const AM_MEDIA_TYPE& type
         const std::vector<std::uint8_t> record = AvcRecord(sets, size, info.dwFlags);
         return !record.empty() && SetExtradata(parameters, record.data(), record.size());
     }
-    if (parameters.codec_id == AV_CODEC_ID_HEVC && info.dwFlags != 0)
+    if (parameters.codec_id == AV_CODEC_ID_HEVC && info.dwFlags != 0) {
         return false; // the first type of the pin carries hvcC whole
+    }
     return SetExtradata(parameters, sets, size);
 }
 
@@ -384,8 +414,9 @@ void ReadBitmap(AVCodecParameters& parameters, const Header& header) {
 
 void ReadAspect(AVCodecParameters& parameters, const VIDEOINFOHEADER2& header) {
     if (header.dwPictAspectRatioX == 0 || header.dwPictAspectRatioY == 0 || parameters.width <= 0 ||
-        parameters.height <= 0)
+        parameters.height <= 0) {
         return;
+    }
     av_reduce(&parameters.sample_aspect_ratio.num, &parameters.sample_aspect_ratio.den,
               static_cast<std::int64_t>(header.dwPictAspectRatioX) * parameters.height,
               static_cast<std::int64_t>(header.dwPictAspectRatioY) * parameters.width, 0x7fffffff);
@@ -415,8 +446,9 @@ bool ReadVideo(AVCodecParameters& parameters, const AM_MEDIA_TYPE& type) {
 
 bool ReadAudio(AVCodecParameters& parameters, const AM_MEDIA_TYPE& type) {
     const auto* format = MediaType::FormatOf<WAVEFORMATEX>(type, FORMAT_WaveFormatEx);
-    if (format == nullptr || format->nChannels == 0 || format->nSamplesPerSec == 0)
+    if (format == nullptr || format->nChannels == 0 || format->nSamplesPerSec == 0) {
         return false;
+    }
     parameters.codec_type = AVMEDIA_TYPE_AUDIO;
     std::size_t extra = std::min<std::size_t>(format->cbSize, type.cbFormat - sizeof(*format));
     const auto* extraData = type.pbFormat + sizeof(*format);
@@ -430,10 +462,11 @@ bool ReadAudio(AVCodecParameters& parameters, const AM_MEDIA_TYPE& type) {
         extra -= kExtension;
         extraData += kExtension;
     }
-    if (const auto codec = CodecOfSubtype(type.subtype))
+    if (const auto codec = CodecOfSubtype(type.subtype)) {
         parameters.codec_id = static_cast<AVCodecID>(*codec);
-    else
+    } else {
         parameters.codec_id = AudioCodecFor(tag, format->wBitsPerSample);
+    }
     parameters.sample_rate = static_cast<int>(std::min<DWORD>(format->nSamplesPerSec, 0x7fffffff));
     parameters.block_align = format->nBlockAlign;
     parameters.bits_per_coded_sample = format->wBitsPerSample;
@@ -465,8 +498,9 @@ std::vector<MediaType> MediaTypesFor(const AVCodecParameters& parameters, const 
 
 AVCodecParameters* ParametersFromMediaType(const AM_MEDIA_TYPE& type) {
     AVCodecParameters* parameters = avcodec_parameters_alloc();
-    if (parameters == nullptr)
+    if (parameters == nullptr) {
         return nullptr;
+    }
     bool understood = false;
     if (type.majortype == MEDIATYPE_Video) {
         understood = ReadVideo(*parameters, type);
@@ -478,8 +512,9 @@ AVCodecParameters* ParametersFromMediaType(const AM_MEDIA_TYPE& type) {
         parameters->codec_id = static_cast<AVCodecID>(*codec);
         understood = SetExtradata(*parameters, type.pbFormat, type.cbFormat);
     }
-    if (!understood || parameters->codec_id == AV_CODEC_ID_NONE)
+    if (!understood || parameters->codec_id == AV_CODEC_ID_NONE) {
         avcodec_parameters_free(&parameters);
+    }
     return parameters;
 }
 

@@ -15,8 +15,9 @@ GUID WithFirst(GUID base, std::uint32_t first) {
 }
 
 std::optional<std::uint32_t> FirstOf(const GUID& guid, const GUID& base) {
-    if (WithFirst(base, guid.Data1) != guid)
+    if (WithFirst(base, guid.Data1) != guid) {
         return std::nullopt;
+    }
     return guid.Data1;
 }
 

@@ -50,27 +50,27 @@ public:
         return Input().Notify(sender, quality);
     }
 
-    [[nodiscard]] InputPin& Input() noexcept { return *input_; }
-    [[nodiscard]] OutputPin& Output() noexcept { return *output_; }
+    [[nodiscard]] InputPin& Input() noexcept { return *inputPin; }
+    [[nodiscard]] OutputPin& Output() noexcept { return *outputPin; }
 
 protected:
-    TransformFilter(const CLSID& clsid, std::wstring inputName, std::wstring outputName);
+    TransformFilter(const CLSID& theClsid, std::wstring inputName, std::wstring outputName);
 
     // True when waits and loops of the streaming thread should end.
     [[nodiscard]] bool IsFlushing() const noexcept {
-        return input_->IsFlushing() || State() == State_Stopped;
+        return inputPin->IsFlushing() || State() == State_Stopped;
     }
     // Held while Process and its like run. Take it to change from another thread what they use; never hold
     // it while waiting for something that a streaming thread does.
-    [[nodiscard]] std::mutex& StreamingLock() noexcept { return streamingLock_; }
+    [[nodiscard]] std::mutex& StreamingLock() noexcept { return streamingLock; }
 
 private:
     class Inlet;
     class Outlet;
 
-    std::mutex streamingLock_;
-    InputPin* input_ = nullptr;   // owned by the list of pins
-    OutputPin* output_ = nullptr; // likewise
+    std::mutex streamingLock;
+    InputPin* inputPin = nullptr;   // owned by the list of pins
+    OutputPin* outputPin = nullptr; // likewise
 };
 
 } // namespace brindlecast

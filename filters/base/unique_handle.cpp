@@ -5,10 +5,11 @@
 namespace brindlecast {
 
 Event::Event(Reset reset, bool signalled)
-    : handle_(
+    : handle(
           CreateEventW(nullptr, reset == Reset::Manual ? TRUE : FALSE, signalled ? TRUE : FALSE, nullptr)) {
-    if (!handle_)
+    if (!handle) {
         throw std::bad_alloc();
+    }
 }
 
 } // namespace brindlecast

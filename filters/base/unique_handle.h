@@ -10,22 +10,23 @@ namespace brindlecast {
 class UniqueHandle {
 public:
     UniqueHandle() noexcept = default;
-    explicit UniqueHandle(HANDLE handle) noexcept : handle_(handle) {}
-    UniqueHandle(UniqueHandle&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+    explicit UniqueHandle(HANDLE theHandle) noexcept : handle(theHandle) {}
+    UniqueHandle(UniqueHandle&& other) noexcept : handle(std::exchange(other.handle, nullptr)) {}
     UniqueHandle& operator=(UniqueHandle&& other) noexcept {
-        std::swap(handle_, other.handle_);
+        std::swap(handle, other.handle);
         return *this;
     }
     ~UniqueHandle() {
-        if (handle_ != nullptr)
-            CloseHandle(handle_);
+        if (handle != nullptr) {
+            CloseHandle(handle);
+        }
     }
 
-    [[nodiscard]] HANDLE Get() const noexcept { return handle_; }
-    explicit operator bool() const noexcept { return handle_ != nullptr; }
+    [[nodiscard]] HANDLE Get() const noexcept { return handle; }
+    explicit operator bool() const noexcept { return handle != nullptr; }
 
 private:
-    HANDLE handle_ = nullptr;
+    HANDLE handle = nullptr;
 };
 
 // A Win32 event. Creation failure throws std::bad_alloc: the kernel has no memory then.
@@ -35,16 +36,16 @@ public:
 
     explicit Event(Reset reset, bool signalled = false);
 
-    void Set() const noexcept { SetEvent(handle_.Get()); }
-    void Clear() const noexcept { ResetEvent(handle_.Get()); }
+    void Set() const noexcept { SetEvent(handle.Get()); }
+    void Clear() const noexcept { ResetEvent(handle.Get()); }
     // True when signalled within the time.
     [[nodiscard]] bool Wait(DWORD milliseconds = INFINITE) const noexcept {
-        return WaitForSingleObject(handle_.Get(), milliseconds) == WAIT_OBJECT_0;
+        return WaitForSingleObject(handle.Get(), milliseconds) == WAIT_OBJECT_0;
     }
-    [[nodiscard]] HANDLE Get() const noexcept { return handle_.Get(); }
+    [[nodiscard]] HANDLE Get() const noexcept { return handle.Get(); }
 
 private:
-    UniqueHandle handle_;
+    UniqueHandle handle;
 };
 
 } // namespace brindlecast

@@ -9,8 +9,9 @@ HRESULT UpstreamSeeking::Forward(Method method, Arguments... arguments) {
     const ComPtr<IPin> pin = UpstreamPin();
     ComPtr<IMediaSeeking> seeking;
     if (!pin ||
-        FAILED(pin->QueryInterface(IID_IMediaSeeking, reinterpret_cast<void**>(seeking.GetAddressOf()))))
+        FAILED(pin->QueryInterface(IID_IMediaSeeking, reinterpret_cast<void**>(seeking.GetAddressOf())))) {
         return E_NOTIMPL;
+    }
     return (seeking.Get()->*method)(arguments...);
 }
 

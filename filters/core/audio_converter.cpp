@@ -61,64 +61,64 @@ bool AudioConverter::Convert(const AudioFormat& source, const std::uint8_t* data
         return false;
     }
     if (source.kind == SampleKind::kSigned24) {
-        Widen24(data, static_cast<std::size_t>(frames) * static_cast<std::size_t>(source.channels), widened_);
-        data = widened_.data();
+        Widen24(data, static_cast<std::size_t>(frames) * static_cast<std::size_t>(source.channels), widened);
+        data = widened.data();
     }
     return Resample(&data, frames, bytes);
 }
 
 Time100ns AudioConverter::HeldBack() const {
-    const bool holds = resampler_ && source_.sampleRate != output_.sampleRate;
-    return holds ? swr_get_delay(resampler_.get(), kTime100nsPerSecond) : 0;
+    const bool holds = resampler && preparedSource.sampleRate != output.sampleRate;
+    return holds ? swr_get_delay(resampler.get(), kTime100nsPerSecond) : 0;
 }
 
 bool AudioConverter::Drain(std::vector<std::uint8_t>& bytes) {
-    if (!resampler_ || source_.sampleRate == output_.sampleRate) {
+    if (!resampler || preparedSource.sampleRate == output.sampleRate) {
         return true;
     }
     const bool drained = Resample(nullptr, 0, bytes);
-    resampler_.reset();
+    resampler.reset();
     return drained;
 }
 
 bool AudioConverter::Prepare(const Source& source) {
-    if (resampler_ && source == source_) {
+    if (resampler && source == preparedSource) {
         return true;
     }
-    resampler_.reset();
+    resampler.reset();
     if (source.channels < 1 || source.sampleRate < 1) {
         return false;
     }
     AVChannelLayout from = LayoutFor(source.channels, source.channelMask);
-    AVChannelLayout to = LayoutFor(output_.channels, output_.channelMask);
+    AVChannelLayout to = LayoutFor(output.channels, output.channelMask);
     SwrContext* made = nullptr;
-    const int set = swr_alloc_set_opts2(&made, &to, LibraryFormat(output_.kind), output_.sampleRate, &from,
+    const int set = swr_alloc_set_opts2(&made, &to, LibraryFormat(output.kind), output.sampleRate, &from,
                                         source.format, source.sampleRate, 0, nullptr);
-    std::unique_ptr<SwrContext, ResamplerDeleter> resampler(made);
-    if (set < 0 || swr_init(resampler.get()) < 0) {
+    std::unique_ptr<SwrContext, ResamplerDeleter> newResampler(made);
+    if (set < 0 || swr_init(newResampler.get()) < 0) {
         return false;
     }
-    resampler_ = std::move(resampler);
-    source_ = source;
+    resampler = std::move(newResampler);
+    preparedSource = source;
     return true;
 }
 
 bool AudioConverter::Resample(const std::uint8_t* const* planes, int frames,
                               std::vector<std::uint8_t>& bytes) {
-    const int room = swr_get_out_samples(resampler_.get(), frames);
+    const int room = swr_get_out_samples(resampler.get(), frames);
     if (room < 0) {
         return false;
     }
-    const auto channels = static_cast<std::size_t>(output_.channels);
-    const auto sampleBytes = static_cast<std::size_t>(av_get_bytes_per_sample(LibraryFormat(output_.kind)));
-    const bool packed24 = output_.kind == SampleKind::kSigned24;
-    std::vector<std::uint8_t>& target = packed24 ? scratch_ : bytes;
+    const auto channels = static_cast<std::size_t>(output.channels);
+    const auto sampleBytes = static_cast<std::size_t>(av_get_bytes_per_sample(LibraryFormat(output.kind)));
+    const bool packed24 = output.kind == SampleKind::kSigned24;
+    std::vector<std::uint8_t>& target = packed24 ? scratch : bytes;
     const std::size_t start = packed24 ? 0 : bytes.size();
     target.resize(start + static_cast<std::size_t>(room) * channels * sampleBytes);
     std::uint8_t* out = target.data() + start;
     // The library's type says that it changes the input's pointers, which it does not.
     const int made = room == 0 ? 0
-                               : swr_convert(resampler_.get(), &out, room,
+                               : swr_convert(resampler.get(), &out, room,
                                              const_cast<const std::uint8_t**>(planes), frames);
     if (made < 0) {
         target.resize(start);
@@ -127,7 +127,7 @@ bool AudioConverter::Resample(const std::uint8_t* const* planes, int frames,
     const std::size_t samples = static_cast<std::size_t>(made) * channels;
     target.resize(start + samples * sampleBytes);
     if (packed24) {
-        AppendPacked24(scratch_.data(), samples, bytes);
+        AppendPacked24(scratch.data(), samples, bytes);
     }
     return true;
 }

@@ -17,9 +17,9 @@ namespace brindlecast {
 class AudioConverter {
 public:
     // `output` must be valid.
-    explicit AudioConverter(const AudioFormat& output) : output_(output) {}
+    explicit AudioConverter(const AudioFormat& theOutput) : output(theOutput) {}
 
-    [[nodiscard]] const AudioFormat& output() const { return output_; }
+    [[nodiscard]] const AudioFormat& Output() const { return output; }
 
     // Appends `frame` to `bytes`. A change of the source's format is followed at once. False when the source
     // can't be converted.
@@ -37,11 +37,11 @@ public:
     [[nodiscard]] bool Drain(std::vector<std::uint8_t>& bytes);
 
     // Forgets what is held back.
-    void Flush() { resampler_.reset(); }
+    void Flush() { resampler.reset(); }
 
 private:
     struct ResamplerDeleter {
-        void operator()(SwrContext* resampler) const noexcept { swr_free(&resampler); }
+        void operator()(SwrContext* freed) const noexcept { swr_free(&freed); }
     };
     struct Source {
         AVSampleFormat format = AV_SAMPLE_FMT_NONE;
@@ -55,11 +55,11 @@ private:
     [[nodiscard]] bool Resample(const std::uint8_t* const* planes, int frames,
                                 std::vector<std::uint8_t>& bytes);
 
-    AudioFormat output_;
-    Source source_;
-    std::unique_ptr<SwrContext, ResamplerDeleter> resampler_;
-    std::vector<std::uint8_t> scratch_;
-    std::vector<std::uint8_t> widened_;
+    AudioFormat output;
+    Source preparedSource;
+    std::unique_ptr<SwrContext, ResamplerDeleter> resampler;
+    std::vector<std::uint8_t> scratch;
+    std::vector<std::uint8_t> widened;
 };
 
 } // namespace brindlecast

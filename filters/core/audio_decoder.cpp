@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <new>
 #include <utility>
 
@@ -18,8 +17,6 @@ namespace {
 
 // Packet times that stray no further from the count of samples are rounding; beyond it there is a gap.
 constexpr Time100ns kMaxStray = 150'000;
-// More than any packet holds frames.
-constexpr int kMaxFailuresInARow = 64;
 
 // The layout of AV_PKT_DATA_SKIP_SAMPLES: two 32-bit little-endian counts and two bytes of reasons.
 bool AddSkipping(AVPacket& packet, std::uint32_t atStart, std::uint32_t atEnd) {
@@ -55,87 +52,76 @@ void DropFirstSamples(AVFrame& samples, int count) {
 }
 
 std::unique_ptr<AudioDecoder> AudioDecoder::Create(const AVCodecParameters& parameters) {
-    const AVCodec* codec = avcodec_find_decoder(parameters.codec_id);
-    if (!codec || codec->type != AVMEDIA_TYPE_AUDIO) {
+    auto session = CodecSession::Open(parameters, AVMEDIA_TYPE_AUDIO,
+                                      [](AVCodecContext& context) { context.thread_count = 1; });
+    if (!session) {
         return nullptr;
     }
-    CodecContextPtr context(avcodec_alloc_context3(codec));
-    if (!context || avcodec_parameters_to_context(context.get(), &parameters) < 0) {
-        return nullptr;
-    }
-    context->pkt_timebase = kTimebase100ns;
-    context->thread_count = 1;
-    if (avcodec_open2(context.get(), codec, nullptr) < 0) {
-        return nullptr;
-    }
-    std::unique_ptr<AudioDecoder> decoder(new AudioDecoder(std::move(context), parameters));
+    std::unique_ptr<AudioDecoder> decoder(new AudioDecoder(std::move(*session), parameters));
     decoder->SetCompression(0.0);
-    return decoder->packet_ ? std::move(decoder) : nullptr;
+    return decoder;
 }
 
-AudioDecoder::AudioDecoder(CodecContextPtr context, const AVCodecParameters& parameters)
-    : context_(std::move(context)), packet_(av_packet_alloc()),
-      significantBits_(parameters.bits_per_raw_sample) {
-    if (significantBits_ == 0) {
-        significantBits_ = parameters.bits_per_coded_sample;
+AudioDecoder::AudioDecoder(CodecSession openSession, const AVCodecParameters& parameters)
+    : session(std::move(openSession)), significantBits(parameters.bits_per_raw_sample) {
+    if (significantBits == 0) {
+        significantBits = parameters.bits_per_coded_sample;
     }
 }
 
-void AudioDecoder::StartSegment(double rate) {
+void AudioDecoder::StartSegment(double newRate) {
     Flush();
-    rate_ = rate > 0.0 ? rate : 1.0;
+    rate = newRate > 0.0 ? newRate : 1.0;
 }
 
 void AudioDecoder::Flush() {
-    avcodec_flush_buffers(context_.get());
-    anchor_ = kNoTime;
-    samplesSinceAnchor_ = 0;
-    discontinuity_ = true;
+    session.Flush();
+    anchor = kNoTime;
+    samplesSinceAnchor = 0;
+    discontinuity = true;
 }
 
 bool AudioDecoder::Decode(const AudioPacket& packet, const Sink& sink) {
-    if (packet.data.empty() ||
-        packet.data.size() > static_cast<std::size_t>(std::numeric_limits<int>::max() / 2)) {
+    AVPacket* const filled = session.Fill(packet.data);
+    if (filled == nullptr) {
         return true;
     }
     if (packet.discontinuity) {
-        anchor_ = kNoTime;
-        discontinuity_ = true;
+        anchor = kNoTime;
+        discontinuity = true;
     }
-    // A new buffer with the padding that the library's bit readers run into.
-    av_packet_unref(packet_.get());
-    if (av_new_packet(packet_.get(), static_cast<int>(packet.data.size())) < 0) {
-        throw std::bad_alloc();
-    }
-    std::memcpy(packet_->data, packet.data.data(), packet.data.size());
-    packet_->pts = packet.start;
-    packet_->flags = AV_PKT_FLAG_KEY;
+    filled->pts = packet.start;
+    filled->flags = AV_PKT_FLAG_KEY;
     if ((packet.skipAtStart > 0 || packet.skipAtEnd > 0) &&
-        !AddSkipping(*packet_, packet.skipAtStart, packet.skipAtEnd)) {
+        !AddSkipping(*filled, packet.skipAtStart, packet.skipAtEnd)) {
         throw std::bad_alloc();
     }
-    const bool goesOn = SendAndReceive(packet_.get(), sink);
-    av_packet_unref(packet_.get());
+    const bool goesOn = Send(filled, sink);
+    session.Discard();
     return goesOn;
 }
 
 bool AudioDecoder::Drain(const Sink& sink) {
-    const bool goesOn = SendAndReceive(nullptr, sink);
+    const bool goesOn = Send(nullptr, sink);
     Flush();
     return goesOn;
 }
 
+bool AudioDecoder::Send(const AVPacket* packet, const Sink& sink) {
+    return session.Send(packet, [&](FramePtr samples) { return Emit(std::move(samples), sink); });
+}
+
 bool AudioDecoder::SetCompression(double scale) {
-    const AVCodecID codec = context_->codec_id;
+    const AVCodecID codec = Context().codec_id;
     return (codec == AV_CODEC_ID_AC3 || codec == AV_CODEC_ID_EAC3) &&
-           av_opt_set_double(context_->priv_data, "drc_scale", std::clamp(scale, 0.0, 1.0), 0) >= 0;
+           av_opt_set_double(Context().priv_data, "drc_scale", std::clamp(scale, 0.0, 1.0), 0) >= 0;
 }
 
 AudioFormat AudioDecoder::NaturalFormat() const {
-    const AVChannelLayout& layout = context_->ch_layout;
+    const AVChannelLayout& layout = Context().ch_layout;
     AudioFormat format;
-    format.kind = NaturalKind(context_->sample_fmt, significantBits_);
-    format.sampleRate = context_->sample_rate;
+    format.kind = NaturalKind(Context().sample_fmt, significantBits);
+    format.sampleRate = Context().sample_rate;
     format.channels = layout.nb_channels;
     constexpr std::uint64_t kPlatformSpeakers = 0x3FFFF;
     if (layout.order == AV_CHANNEL_ORDER_NATIVE && (layout.u.mask & ~kPlatformSpeakers) == 0) {
@@ -146,86 +132,51 @@ AudioFormat AudioDecoder::NaturalFormat() const {
     return format;
 }
 
-bool AudioDecoder::SendAndReceive(const AVPacket* packet, const Sink& sink) {
-    for (;;) {
-        const int sent = avcodec_send_packet(context_.get(), packet);
-        if (!ReceiveAll(sink)) {
-            return false;
-        }
-        if (sent != AVERROR(EAGAIN)) {
-            brokenPackets_ += sent < 0 && sent != AVERROR_EOF;
-            return true;
-        }
-    }
-}
-
-bool AudioDecoder::ReceiveAll(const Sink& sink) {
-    for (int failures = 0; failures < kMaxFailuresInARow;) {
-        FramePtr samples(av_frame_alloc());
-        if (!samples) {
-            throw std::bad_alloc();
-        }
-        const int received = avcodec_receive_frame(context_.get(), samples.get());
-        if (received == AVERROR(EAGAIN) || received == AVERROR_EOF) {
-            return true;
-        }
-        if (received < 0) {
-            ++brokenPackets_;
-            ++failures;
-            continue;
-        }
-        failures = 0;
-        if (!Emit(std::move(samples), sink)) {
-            return false;
-        }
-    }
-    return true;
-}
-
 bool AudioDecoder::Emit(FramePtr samples, const Sink& sink) {
     if (samples->nb_samples <= 0 || samples->sample_rate <= 0 || samples->ch_layout.nb_channels <= 0) {
         return true;
     }
     PlaceOnTimeLine(*samples);
     Time100ns start = Now(samples->sample_rate);
-    samplesSinceAnchor_ += samples->nb_samples;
+    samplesSinceAnchor += samples->nb_samples;
     if (start < 0) {
         // The first sample that is kept is the one nearest to the start of the segment.
-        const double early = static_cast<double>(-start) * rate_ * samples->sample_rate / kTime100nsPerSecond;
-        const auto dropped = static_cast<int>(std::min<double>(std::llround(early), samples->nb_samples));
+        const double early = static_cast<double>(-start) * rate * samples->sample_rate / kTime100nsPerSecond;
+        const auto dropped =
+            static_cast<int>(std::min<std::int64_t>(std::llround(early), samples->nb_samples));
         DropFirstSamples(*samples, dropped);
         if (samples->nb_samples == 0) {
             return true;
         }
         // What follows is counted from there, so that the cut leaves no step of a part of a sample.
         start = 0;
-        anchor_ = 0;
-        samplesSinceAnchor_ = samples->nb_samples;
+        anchor = 0;
+        samplesSinceAnchor = samples->nb_samples;
     }
-    return sink({std::move(samples), start, std::exchange(discontinuity_, false)});
+    return sink({std::move(samples), start, std::exchange(discontinuity, false)});
 }
 
 // Counts on from the last known time, unless there is none or the packet's own time tells of a gap.
 void AudioDecoder::PlaceOnTimeLine(const AVFrame& samples) {
     const Time100ns own = samples.best_effort_timestamp;
-    if (anchor_ != kNoTime) {
-        const Time100ns counted = Now(countedRate_);
+    if (anchor != kNoTime) {
+        const Time100ns counted = Now(countedRate);
         const bool gap = own != AV_NOPTS_VALUE && std::abs(own - counted) > kMaxStray;
-        if (!gap && samples.sample_rate == countedRate_) {
+        if (!gap && samples.sample_rate == countedRate) {
             return;
         }
-        discontinuity_ = discontinuity_ || gap;
-        anchor_ = gap ? own : counted;
+        discontinuity = discontinuity || gap;
+        anchor = gap ? own : counted;
     } else {
-        anchor_ = own != AV_NOPTS_VALUE ? own : 0;
+        anchor = own != AV_NOPTS_VALUE ? own : 0;
     }
-    samplesSinceAnchor_ = 0;
-    countedRate_ = samples.sample_rate;
+    samplesSinceAnchor = 0;
+    countedRate = samples.sample_rate;
 }
 
 Time100ns AudioDecoder::Now(int sampleRate) const {
-    return anchor_ +
-           std::llround(static_cast<double>(samplesSinceAnchor_) * kTime100nsPerSecond / sampleRate / rate_);
+    return anchor +
+           std::llround(static_cast<double>(samplesSinceAnchor) * kTime100nsPerSecond / sampleRate / rate);
 }
 
 } // namespace brindlecast

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "filters/core/audio_format.h"
+#include "filters/core/codec_session.h"
 
 #include <cstdint>
 #include <functional>
@@ -31,7 +32,7 @@ struct AudioBlock {
 
 // Software decoding of one sound stream. Times are counted in samples from the last known packet time, so
 // that blocks join without gaps although containers round; sound before the start of the segment (time 0) is
-// cut off to the sample. One thread at a time, except SetCompression.
+// cut off to the sample. One thread at a time.
 class AudioDecoder {
 public:
     // Takes a block; false ends the delivery (the graph is flushing or has stopped).
@@ -42,7 +43,7 @@ public:
 
     // Starts a segment: forgets everything that was decoded; `rate` is the factor that packet times were
     // divided by.
-    void StartSegment(double rate);
+    void StartSegment(double newRate);
 
     // Forgets everything that was decoded; the segment goes on.
     void Flush();
@@ -61,29 +62,26 @@ public:
     // The format of the sound as far as it is known before decoding: what a converter loses nothing with.
     [[nodiscard]] AudioFormat NaturalFormat() const;
 
-    [[nodiscard]] const AVCodecContext& context() const { return *context_; }
+    [[nodiscard]] const AVCodecContext& Context() const { return session.Context(); }
     // Packets that the library called broken since creation.
-    [[nodiscard]] std::int64_t brokenPackets() const { return brokenPackets_; }
+    [[nodiscard]] std::int64_t BrokenPackets() const { return session.BrokenPackets(); }
 
 private:
-    AudioDecoder(CodecContextPtr context, const AVCodecParameters& parameters);
+    AudioDecoder(CodecSession openSession, const AVCodecParameters& parameters);
 
-    bool SendAndReceive(const AVPacket* packet, const Sink& sink);
-    bool ReceiveAll(const Sink& sink);
+    bool Send(const AVPacket* packet, const Sink& sink);
     bool Emit(FramePtr samples, const Sink& sink);
     void PlaceOnTimeLine(const AVFrame& samples);
     [[nodiscard]] Time100ns Now(int sampleRate) const;
 
-    CodecContextPtr context_;
-    PacketPtr packet_;
-    int significantBits_ = 0;
-    double rate_ = 1.0;
+    CodecSession session;
+    int significantBits = 0;
+    double rate = 1.0;
     // Time of the first sample that is counted from, kNoTime when the next packet's own time is taken.
-    Time100ns anchor_ = kNoTime;
-    std::int64_t samplesSinceAnchor_ = 0;
-    int countedRate_ = 0;
-    bool discontinuity_ = true;
-    std::int64_t brokenPackets_ = 0;
+    Time100ns anchor = kNoTime;
+    std::int64_t samplesSinceAnchor = 0;
+    int countedRate = 0;
+    bool discontinuity = true;
 };
 
 // Cuts `count` sample frames off the beginning of a block.

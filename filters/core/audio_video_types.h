@@ -28,9 +28,13 @@ struct PacketDeleter {
 struct CodecContextDeleter {
     void operator()(AVCodecContext* context) const noexcept { avcodec_free_context(&context); }
 };
+struct ParametersDeleter {
+    void operator()(AVCodecParameters* parameters) const noexcept { avcodec_parameters_free(&parameters); }
+};
 
 using FramePtr = std::unique_ptr<AVFrame, FrameDeleter>;
 using PacketPtr = std::unique_ptr<AVPacket, PacketDeleter>;
 using CodecContextPtr = std::unique_ptr<AVCodecContext, CodecContextDeleter>;
+using ParametersPtr = std::unique_ptr<AVCodecParameters, ParametersDeleter>;
 
 } // namespace brindlecast

@@ -40,18 +40,18 @@ public:
     DemuxFile(const DemuxFile&) = delete;
     DemuxFile& operator=(const DemuxFile&) = delete;
 
-    [[nodiscard]] const std::vector<DemuxStream>& Streams() const { return streams_; }
+    [[nodiscard]] const std::vector<DemuxStream>& Streams() const { return streams; }
     // 0 when unknown.
-    [[nodiscard]] DemuxTime Duration() const { return duration_; }
+    [[nodiscard]] DemuxTime Duration() const { return duration; }
 
     // Reads the container's index of the stream's keyframes. Called once, before the first Read; leaves the
     // file at its start. Afterwards Seek goes by this table. For a stream that has no trustworthy index the
     // table stays empty.
     void LoadKeyframes(int stream);
     // Presentation times, strictly rising. Empty: there is no table.
-    [[nodiscard]] const std::vector<DemuxTime>& Keyframes() const { return keyframes_; }
+    [[nodiscard]] const std::vector<DemuxTime>& Keyframes() const { return keyframes; }
     // True when the index says that every frame is a keyframe (the table is empty then).
-    [[nodiscard]] bool AllIntra() const { return allIntra_; }
+    [[nodiscard]] bool AllIntra() const { return allIntra; }
 
     // Goes to where reading must begin to show `target`: the keyframe of `stream` at or before it, or the
     // packet of a stream without keyframes. Packets of `stream` before that keyframe are not given by Read.
@@ -64,7 +64,7 @@ public:
     ReadResult Read(DemuxPacket& packet);
 
     // Makes a running or the next Read fail soon (any thread), or possible again (when none is running).
-    void Interrupt(bool interrupt) { input_->Interrupt(interrupt); }
+    void Interrupt(bool interrupt) { input->Interrupt(interrupt); }
 
 private:
     struct IndexEntry {
@@ -72,7 +72,7 @@ private:
         std::int64_t timestamp; // for a seek, in the stream's time base
     };
     struct ContextClose {
-        void operator()(AVFormatContext* context) const noexcept;
+        void operator()(AVFormatContext* closed) const noexcept;
     };
 
     DemuxFile() = default;
@@ -100,17 +100,17 @@ private:
     std::optional<DemuxTime> ReadToKeyframe(int stream);
 
     // Order matters: the context uses the input.
-    std::unique_ptr<DemuxInput> input_;
-    std::unique_ptr<AVFormatContext, ContextClose> context_;
-    std::vector<DemuxStream> streams_;
-    std::vector<int> positions_; // container index to position in streams_, -1 for unlisted
-    DemuxTime start_ = 0;
-    DemuxTime duration_ = 0;
-    int tableStream_ = -1;
-    std::vector<IndexEntry> index_; // one entry for each of keyframes_
-    std::vector<DemuxTime> keyframes_;
-    bool allIntra_ = false;
-    std::deque<DemuxPacket> pending_; // read while seeking
+    std::unique_ptr<DemuxInput> input;
+    std::unique_ptr<AVFormatContext, ContextClose> context;
+    std::vector<DemuxStream> streams;
+    std::vector<int> positions; // container index to position in streams, -1 for unlisted
+    DemuxTime start = 0;
+    DemuxTime duration = 0;
+    int tableStream = -1;
+    std::vector<IndexEntry> index; // one entry for each of keyframes
+    std::vector<DemuxTime> keyframes;
+    bool allIntra = false;
+    std::deque<DemuxPacket> pending; // read while seeking
 };
 
 } // namespace brindlecast

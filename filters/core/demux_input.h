@@ -21,12 +21,12 @@ public:
     DemuxInput(const DemuxInput&) = delete;
     DemuxInput& operator=(const DemuxInput&) = delete;
 
-    [[nodiscard]] AVIOContext* Context() const { return outer_; }
-    [[nodiscard]] std::int64_t Size() const { return size_; }
+    [[nodiscard]] AVIOContext* Context() const { return outer; }
+    [[nodiscard]] std::int64_t Size() const { return fileSize; }
 
     // While blank, a read gives one zero byte and then the end, without touching the file: a demuxer that
     // walks its index this way tells the times of packets and loads none of them.
-    void SetBlank(bool blank);
+    void SetBlank(bool isBlank);
 
     // While set, reads fail with AVERROR_EXIT. Setting may come from any thread, clearing from the reader's
     // turn only.
@@ -37,13 +37,13 @@ private:
     static int Read(void* self, std::uint8_t* buffer, int size);
     static std::int64_t Seek(void* self, std::int64_t offset, int whence);
 
-    AVIOContext* inner_ = nullptr; // the file
-    AVIOContext* outer_ = nullptr; // what libavformat sees
-    std::int64_t size_ = 0;
-    bool blank_ = false;
-    bool blankByteGiven_ = false;
-    std::int64_t blankPosition_ = 0;
-    std::atomic<bool> interrupted_{false};
+    AVIOContext* inner = nullptr; // the file
+    AVIOContext* outer = nullptr; // what libavformat sees
+    std::int64_t fileSize = 0;
+    bool blank = false;
+    bool blankByteGiven = false;
+    std::int64_t blankPosition = 0;
+    std::atomic<bool> interrupted{false};
 };
 
 } // namespace brindlecast

@@ -19,97 +19,109 @@ enum class IndexTimes { Unknown, Presentation, Decoding };
 // count.
 IndexTimes TimesOf(const AVFormatContext& context) {
     const std::string_view name = context.iformat->name;
-    if (name.starts_with("matroska"))
+    if (name.starts_with("matroska")) {
         return IndexTimes::Presentation;
-    if (name.starts_with("mov,"))
+    }
+    if (name.starts_with("mov,")) {
         return IndexTimes::Decoding;
+    }
     return IndexTimes::Unknown;
 }
 
 // Keeps the demuxer's flags and FFmpeg's own reading of payloads out of a walk over blank packets.
 class BlankReading {
 public:
-    BlankReading(AVFormatContext& context, DemuxInput& input)
-        : context_(context), input_(input), flags_(context.flags) {
-        context_.flags |= AVFMT_FLAG_NOPARSE | AVFMT_FLAG_NOFILLIN;
-        context_.flags &= ~AVFMT_FLAG_GENPTS;
-        input_.SetBlank(true);
+    BlankReading(AVFormatContext& theContext, DemuxInput& theInput)
+        : context(theContext), input(theInput), flags(theContext.flags) {
+        context.flags |= AVFMT_FLAG_NOPARSE | AVFMT_FLAG_NOFILLIN;
+        context.flags &= ~AVFMT_FLAG_GENPTS;
+        input.SetBlank(true);
     }
     ~BlankReading() {
-        input_.SetBlank(false);
-        context_.flags = flags_;
+        input.SetBlank(false);
+        context.flags = flags;
     }
     BlankReading(const BlankReading&) = delete;
     BlankReading& operator=(const BlankReading&) = delete;
 
 private:
-    AVFormatContext& context_;
-    DemuxInput& input_;
-    const int flags_;
+    AVFormatContext& context;
+    DemuxInput& input;
+    const int flags;
 };
 
 } // namespace
 
 void DemuxFile::LoadKeyframes(int stream) {
-    keyframes_.clear();
-    index_.clear();
-    allIntra_ = false;
-    if (stream < 0 || static_cast<std::size_t>(stream) >= streams_.size() ||
-        streams_[static_cast<std::size_t>(stream)].kind != StreamKind::Video)
+    keyframes.clear();
+    index.clear();
+    allIntra = false;
+    if (stream < 0 || static_cast<std::size_t>(stream) >= streams.size() ||
+        streams[static_cast<std::size_t>(stream)].kind != StreamKind::Video) {
         return;
-    const int containerIndex = streams_[static_cast<std::size_t>(stream)].containerIndex;
-    if (TimesOf(*context_) == IndexTimes::Unknown)
+    }
+    const int containerIndex = streams[static_cast<std::size_t>(stream)].containerIndex;
+    if (TimesOf(*context) == IndexTimes::Unknown) {
         return;
+    }
     // Matroska reads its cues at the first seek.
     const std::int64_t beginning = ToTimestamp(containerIndex, 0);
     const bool seekable = SeekRaw(containerIndex, beginning);
     std::vector<IndexEntry> entries;
-    if (seekable)
+    if (seekable) {
         entries = ReadIndex(containerIndex);
+    }
     DiscardAllBut(-1);
     SelectStreams();
     SeekRaw(containerIndex, beginning);
-    pending_.clear();
-    const DemuxTime frame = streams_[static_cast<std::size_t>(stream)].frameDuration;
-    if (!entries.empty() && frame > 0) // an index of presentation times does not say what stands between them
-        allIntra_ = allIntra_ || WidestGap(entries) <= frame + frame / 2;
-    if (allIntra_ || !SpansFile(entries))
+    pending.clear();
+    const DemuxTime frame = streams[static_cast<std::size_t>(stream)].frameDuration;
+    // An index of presentation times does not say what stands between them.
+    if (!entries.empty() && frame > 0) {
+        allIntra = allIntra || WidestGap(entries) <= frame + frame / 2;
+    }
+    if (allIntra || !SpansFile(entries)) {
         return;
-    tableStream_ = stream;
-    index_ = std::move(entries);
-    keyframes_.reserve(index_.size());
-    for (const IndexEntry& entry : index_)
-        keyframes_.push_back(entry.time);
+    }
+    tableStream = stream;
+    index = std::move(entries);
+    keyframes.reserve(index.size());
+    for (const IndexEntry& entry : index) {
+        keyframes.push_back(entry.time);
+    }
 }
 
 void DemuxFile::DiscardAllBut(int containerIndex) {
-    for (unsigned i = 0; i < context_->nb_streams; ++i)
-        context_->streams[i]->discard =
+    for (unsigned i = 0; i < context->nb_streams; ++i) {
+        context->streams[i]->discard =
             static_cast<int>(i) == containerIndex ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+    }
 }
 
 std::vector<DemuxFile::IndexEntry> DemuxFile::ReadIndex(int containerIndex) {
-    AVStream* stream = context_->streams[containerIndex];
+    AVStream* stream = context->streams[containerIndex];
     // A copy first: seeking may add to the demuxer's own index.
     std::vector<AVIndexEntry> stored;
     const int count = avformat_index_get_entries_count(stream);
     bool others = false;
     for (int i = 0; i < count; ++i) {
         const AVIndexEntry* entry = avformat_index_get_entry(stream, i);
-        if ((entry->flags & AVINDEX_KEYFRAME) == 0)
+        if ((entry->flags & AVINDEX_KEYFRAME) == 0) {
             others = true;
-        else if (entry->pos + std::max(entry->size, 1) <= input_->Size())
+        } else if (entry->pos + std::max(entry->size, 1) <= input->Size()) {
             stored.push_back(*entry); // what a truncated file has lost is no place to go to
+        }
     }
-    const bool decoding = TimesOf(*context_) == IndexTimes::Decoding;
+    const bool decoding = TimesOf(*context) == IndexTimes::Decoding;
     if (decoding && !others && count > 1) {
-        allIntra_ = true;
+        allIntra = true;
         return {};
     }
-    if (!decoding)
+    if (!decoding) {
         return TimedEntries(containerIndex, stored);
+    }
     DiscardAllBut(containerIndex);
-    const BlankReading blank(*context_, *input_);
+    const BlankReading blank(*context, *input);
     return PresentedEntries(containerIndex, stored);
 }
 
@@ -120,8 +132,9 @@ bool DemuxFile::Append(std::vector<IndexEntry>& entries, IndexEntry entry) {
         entries.back() = entry;
         return true;
     }
-    if (!entries.empty() && entries.back().time >= entry.time)
+    if (!entries.empty() && entries.back().time >= entry.time) {
         return false;
+    }
     entries.push_back(entry);
     return true;
 }
@@ -132,8 +145,9 @@ std::vector<DemuxFile::IndexEntry> DemuxFile::TimedEntries(int containerIndex,
     std::vector<IndexEntry> entries;
     for (const AVIndexEntry& entry : stored) {
         const std::optional<DemuxTime> time = ToTime(containerIndex, entry.timestamp);
-        if (!time || !Append(entries, {*time, entry.timestamp}))
+        if (!time || !Append(entries, {*time, entry.timestamp})) {
             return {};
+        }
     }
     return entries;
 }
@@ -152,12 +166,14 @@ std::vector<DemuxFile::IndexEntry> DemuxFile::PresentedEntries(int containerInde
         std::optional<std::int64_t> presented;
         for (const std::int64_t place : {decoded + delay, behind - 1, behind + delay - 1}) {
             presented = PresentationOf(containerIndex, place, decoded);
-            if (presented)
+            if (presented) {
                 break;
+            }
         }
         const auto time = presented ? ToTime(containerIndex, *presented) : std::nullopt;
-        if (!time || !Append(entries, {*time, *presented}))
+        if (!time || !Append(entries, {*time, *presented})) {
             return {};
+        }
         delay = std::max<std::int64_t>(*presented - decoded, 0);
     }
     return entries;
@@ -166,11 +182,13 @@ std::vector<DemuxFile::IndexEntry> DemuxFile::PresentedEntries(int containerInde
 // Presentation timestamp of the keyframe with that decoding timestamp when a seek to `place` leads to it.
 std::optional<std::int64_t> DemuxFile::PresentationOf(int containerIndex, std::int64_t place,
                                                       std::int64_t decoded) {
-    if (!SeekRaw(containerIndex, place))
+    if (!SeekRaw(containerIndex, place)) {
         return std::nullopt;
+    }
     const AvPacketPointer packet(av_packet_alloc());
-    if (!packet || av_read_frame(context_.get(), packet.get()) < 0)
+    if (!packet || av_read_frame(context.get(), packet.get()) < 0) {
         return std::nullopt;
+    }
     const bool found = packet->stream_index == containerIndex && (packet->flags & AV_PKT_FLAG_KEY) != 0 &&
                        packet->dts == decoded && packet->pts != AV_NOPTS_VALUE;
     return found ? std::optional(packet->pts) : std::nullopt;
@@ -178,18 +196,20 @@ std::optional<std::int64_t> DemuxFile::PresentationOf(int containerIndex, std::i
 
 DemuxTime DemuxFile::WidestGap(const std::vector<IndexEntry>& entries) {
     DemuxTime widest = entries.size() < 2 ? std::numeric_limits<DemuxTime>::max() : 0;
-    for (std::size_t i = 1; i < entries.size(); ++i)
+    for (std::size_t i = 1; i < entries.size(); ++i) {
         widest = std::max(widest, entries[i].time - entries[i - 1].time);
+    }
     return widest;
 }
 
 // An index that was cut short, or made up while reading, ends long before the file does.
 bool DemuxFile::SpansFile(const std::vector<IndexEntry>& entries) const {
-    if (entries.size() < 2 || duration_ <= 0)
+    if (entries.size() < 2 || duration <= 0) {
         return false;
+    }
     constexpr DemuxTime kSlack = 1'000'000;
-    return TimesOf(*context_) == IndexTimes::Decoding ||
-           duration_ - entries.back().time <= WidestGap(entries) + kSlack;
+    return TimesOf(*context) == IndexTimes::Decoding ||
+           duration - entries.back().time <= WidestGap(entries) + kSlack;
 }
 
 } // namespace brindlecast

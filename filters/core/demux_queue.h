@@ -33,7 +33,7 @@ public:
 
     // Sets the streams by kind, in the order of DemuxFile::Streams, and empties everything.
     void Configure(std::vector<StreamKind> kinds);
-    void SetLimits(const QueueLimits& limits);
+    void SetLimits(const QueueLimits& newLimits);
 
     // Empties the queues for a new start; writer and readers may come. All readers are closed.
     void Open();
@@ -74,7 +74,7 @@ private:
         bool abandoned = false;
     };
 
-    [[nodiscard]] Reader& ReaderOf(StreamKind kind) { return readers_[static_cast<std::size_t>(kind)]; }
+    [[nodiscard]] Reader& ReaderOf(StreamKind kind) { return readers[static_cast<std::size_t>(kind)]; }
     [[nodiscard]] bool IsSelected(const Lane& lane) const;
     [[nodiscard]] bool IsLive(const Reader& reader) const;
     [[nodiscard]] bool IsAheadEnough(const Lane& lane) const;
@@ -83,16 +83,16 @@ private:
     void DropFront(Lane& lane);
     void Trim(Lane& lane);
 
-    std::mutex mutex_;
-    std::condition_variable roomMade_;
-    std::condition_variable packetCame_;
-    QueueLimits limits_;
-    std::vector<Lane> lanes_;
-    std::array<Reader, 3> readers_;
-    std::size_t bytes_ = 0;
-    DemuxTime playPosition_ = 0;
-    bool open_ = false;
-    bool finished_ = false;
+    std::mutex mutex;
+    std::condition_variable roomMade;
+    std::condition_variable packetCame;
+    QueueLimits limits;
+    std::vector<Lane> lanes;
+    std::array<Reader, 3> readers;
+    std::size_t bytes = 0;
+    DemuxTime playPosition = 0;
+    bool open = false;
+    bool finished = false;
 };
 
 } // namespace brindlecast

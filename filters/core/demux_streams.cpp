@@ -14,8 +14,9 @@ namespace {
 
 std::string LowerCase(std::string text) {
     for (char& c : text) {
-        if (c >= 'A' && c <= 'Z')
+        if (c >= 'A' && c <= 'Z') {
             c = static_cast<char>(c - 'A' + 'a');
+        }
     }
     return text;
 }
@@ -38,10 +39,12 @@ std::optional<StreamKind> KindOf(const AVStream& stream) {
 DemuxTime FrameDuration(AVFormatContext& context, AVStream& stream) {
     constexpr double kHighestRate = 300.0;
     AVRational rate = stream.avg_frame_rate;
-    if (rate.num <= 0 || rate.den <= 0)
+    if (rate.num <= 0 || rate.den <= 0) {
         rate = av_guess_frame_rate(&context, &stream, nullptr);
-    if (rate.num <= 0 || rate.den <= 0 || av_q2d(rate) > kHighestRate)
+    }
+    if (rate.num <= 0 || rate.den <= 0 || av_q2d(rate) > kHighestRate) {
         return 0;
+    }
     return av_rescale(10'000'000, rate.den, rate.num);
 }
 
@@ -52,8 +55,9 @@ std::vector<SideDataBlock> OwnSideData(const AVStream& stream) {
         const bool wanted = block.type == AV_PKT_DATA_DISPLAYMATRIX ||
                             block.type == AV_PKT_DATA_MASTERING_DISPLAY_METADATA ||
                             block.type == AV_PKT_DATA_CONTENT_LIGHT_LEVEL;
-        if (wanted)
+        if (wanted) {
             blocks.emplace_back(block.type, std::vector<std::uint8_t>(block.data, block.data + block.size));
+        }
     }
     return blocks;
 }
@@ -64,8 +68,9 @@ DemuxStream Describe(AVFormatContext& context, AVStream& stream, StreamKind kind
     described.kind = kind;
     described.codecName = avcodec_get_name(stream.codecpar->codec_id);
     described.language = LowerCase(Tag(stream, "language"));
-    if (described.language == "und")
+    if (described.language == "und") {
         described.language.clear();
+    }
     described.title = Tag(stream, "title");
     described.isDefault = (stream.disposition & AV_DISPOSITION_DEFAULT) != 0;
     described.isForced = (stream.disposition & AV_DISPOSITION_FORCED) != 0;
@@ -82,9 +87,10 @@ DemuxStream Describe(AVFormatContext& context, AVStream& stream, StreamKind kind
         }
         described.sideData = OwnSideData(stream);
     }
-    if (kind == StreamKind::Audio)
+    if (kind == StreamKind::Audio) {
         described.decodable = described.decodable && stream.codecpar->sample_rate > 0 &&
                               stream.codecpar->ch_layout.nb_channels > 0;
+    }
     return described;
 }
 
@@ -98,8 +104,9 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 20> kLanguag
 
 std::string_view Terminological(std::string_view code) {
     for (const auto& [bibliographic, terminological] : kLanguagePairs) {
-        if (code == bibliographic)
+        if (code == bibliographic) {
             return terminological;
+        }
     }
     return code;
 }
@@ -107,8 +114,9 @@ std::string_view Terminological(std::string_view code) {
 template <class Wanted>
 int FirstWhere(const std::vector<DemuxStream>& streams, StreamKind kind, Wanted wanted) {
     for (std::size_t i = 0; i < streams.size(); ++i) {
-        if (streams[i].kind == kind && streams[i].decodable && wanted(streams[i]))
+        if (streams[i].kind == kind && streams[i].decodable && wanted(streams[i])) {
             return static_cast<int>(i);
+        }
     }
     return -1;
 }
@@ -120,8 +128,9 @@ int FirstOfLanguages(const std::vector<DemuxStream>& streams, StreamKind kind,
         const int found = FirstWhere(streams, kind, [&](const DemuxStream& stream) {
             return SameLanguage(stream.language, language) && wanted(stream);
         });
-        if (found >= 0)
+        if (found >= 0) {
             return found;
+        }
     }
     return -1;
 }
@@ -135,15 +144,17 @@ int FirstOrDefault(const std::vector<DemuxStream>& streams, StreamKind kind) {
 
 std::vector<DemuxStream> DescribeStreams(AVFormatContext& context) {
     bool hasSound = false;
-    for (unsigned i = 0; i < context.nb_streams; ++i)
+    for (unsigned i = 0; i < context.nb_streams; ++i) {
         hasSound = hasSound || context.streams[i]->codecpar->codec_type == AVMEDIA_TYPE_AUDIO;
+    }
     std::vector<DemuxStream> streams;
     for (unsigned i = 0; i < context.nb_streams; ++i) {
         AVStream& stream = *context.streams[i];
         const auto kind = KindOf(stream);
         const bool picture = (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
-        if (kind && !(picture && hasSound))
+        if (kind && !(picture && hasSound)) {
             streams.push_back(Describe(context, stream, *kind));
+        }
     }
     return streams;
 }
@@ -153,20 +164,23 @@ StreamChoice ChooseStreams(const std::vector<DemuxStream>& streams, const Stream
     choice.video = FirstOrDefault(streams, StreamKind::Video);
     choice.audio = FirstOfLanguages(streams, StreamKind::Audio, preferences.audioLanguages,
                                     [](const DemuxStream&) { return true; });
-    if (choice.audio < 0)
+    if (choice.audio < 0) {
         choice.audio = FirstOrDefault(streams, StreamKind::Audio);
+    }
     using Subtitles = StreamPreferences::Subtitles;
-    if (preferences.subtitles == Subtitles::None)
+    if (preferences.subtitles == Subtitles::None) {
         return choice;
+    }
     const bool forcedOnly = preferences.subtitles == Subtitles::ForcedOnly;
     const auto allowed = [&](const DemuxStream& stream) {
         return !forcedOnly || stream.isForced;
     };
     choice.subtitle = FirstOfLanguages(streams, StreamKind::Subtitle, preferences.subtitleLanguages, allowed);
-    if (choice.subtitle < 0 && (!forcedOnly || preferences.subtitleLanguages.empty()))
+    if (choice.subtitle < 0 && (!forcedOnly || preferences.subtitleLanguages.empty())) {
         choice.subtitle = FirstWhere(streams, StreamKind::Subtitle, [&](const DemuxStream& stream) {
             return forcedOnly ? stream.isForced : stream.isDefault;
         });
+    }
     return choice;
 }
 
@@ -175,8 +189,9 @@ std::vector<std::string> ParseLanguages(const std::string& list) {
     std::string part;
     for (const char c : list + ",") {
         if (c == ',' || c == ';') {
-            if (!part.empty())
+            if (!part.empty()) {
                 languages.push_back(LowerCase(part));
+            }
             part.clear();
         } else if (c != ' ' && c != '\t') {
             part += c;
@@ -191,8 +206,9 @@ bool SameLanguage(const std::string& first, const std::string& second) {
 
 std::string DisplayName(const DemuxStream& stream) {
     std::string name = stream.title;
-    if (!stream.language.empty())
+    if (!stream.language.empty()) {
         name += (name.empty() ? "[" : " [") + stream.language + "]";
+    }
     name += (name.empty() ? "(" : " (") + stream.codecName + ")";
     return name;
 }

@@ -94,48 +94,48 @@ void GainEnvelope::Follow(std::span<const float> peaks, double ceiling, double r
         gains[i] = static_cast<float>(allowed);
     }
     // Forwards: it rises no faster than it may.
-    for (float& gain : gains) {
-        gain_ = gain_ < 0.0 ? gain : std::min<double>(gain, gain_ * rise);
-        gain = static_cast<float>(gain_);
+    for (float& stretchGain : gains) {
+        gain = gain < 0.0 ? stretchGain : std::min<double>(stretchGain, gain * rise);
+        stretchGain = static_cast<float>(gain);
     }
 }
 
-void GainProcessor::SetSettings(const GainSettings& settings) {
-    if (settings.normalize != settings_.normalize || settings.maxFactor != settings_.maxFactor) {
-        normalization_.Reset();
+void GainProcessor::SetSettings(const GainSettings& newSettings) {
+    if (newSettings.normalize != settings.normalize || newSettings.maxFactor != settings.maxFactor) {
+        normalization.Reset();
     }
-    settings_ = settings;
-    settings_.maxFactor = std::isfinite(settings.maxFactor) ? std::max(settings.maxFactor, 1.0) : 1.0;
-    settings_.boost = std::isfinite(settings.boost) ? std::max(settings.boost, 1.0) : 1.0;
+    settings = newSettings;
+    settings.maxFactor = std::isfinite(newSettings.maxFactor) ? std::max(newSettings.maxFactor, 1.0) : 1.0;
+    settings.boost = std::isfinite(newSettings.boost) ? std::max(newSettings.boost, 1.0) : 1.0;
 }
 
 double GainProcessor::NormalizationGain() const {
-    return settings_.normalize && normalization_.gain() > 0.0 ? normalization_.gain() : 1.0;
+    return settings.normalize && normalization.Gain() > 0.0 ? normalization.Gain() : 1.0;
 }
 
 void GainProcessor::Process(const AudioFormat& format, std::uint8_t* data, int frames) {
-    const bool normalize = settings_.normalize && settings_.maxFactor > 1.0;
-    const bool boost = settings_.boost > 1.0;
+    const bool normalize = settings.normalize && settings.maxFactor > 1.0;
+    const bool boost = settings.boost > 1.0;
     if ((!normalize && !boost) || frames <= 0) {
         return;
     }
     const auto count = static_cast<std::size_t>(frames) * static_cast<std::size_t>(format.channels);
     const auto bytes = static_cast<std::size_t>(BytesPerSample(format.kind));
     const double scale = ScaleOf(format.kind);
-    samples_.resize(count);
+    floatSamples.resize(count);
     for (std::size_t i = 0; i < count; ++i) {
-        samples_[i] = static_cast<float>(ReadSample(format.kind, data + i * bytes) / scale);
+        floatSamples[i] = static_cast<float>(ReadSample(format.kind, data + i * bytes) / scale);
     }
     if (normalize) {
-        Amplify(samples_, format.channels, format.sampleRate, normalization_, settings_.maxFactor,
-                settings_.recover ? kNormalizationSecondsPerDoubling : 0.0);
+        Amplify(floatSamples, format.channels, format.sampleRate, normalization, settings.maxFactor,
+                settings.recover ? kNormalizationSecondsPerDoubling : 0.0);
     }
     if (boost) {
-        Amplify(samples_, format.channels, format.sampleRate, limiter_, settings_.boost,
+        Amplify(floatSamples, format.channels, format.sampleRate, limiter, settings.boost,
                 kLimiterSecondsPerDoubling);
     }
     for (std::size_t i = 0; i < count; ++i) {
-        WriteSample(format.kind, data + i * bytes, static_cast<double>(samples_[i]) * scale);
+        WriteSample(format.kind, data + i * bytes, static_cast<double>(floatSamples[i]) * scale);
     }
 }
 
@@ -144,21 +144,21 @@ void GainProcessor::Process(const AudioFormat& format, std::uint8_t* data, int f
 void GainProcessor::Amplify(std::span<float> samples, int channels, int sampleRate, GainEnvelope& envelope,
                             double ceiling, double secondsPerDoubling) {
     const std::size_t stretch = static_cast<std::size_t>(kStretch) * static_cast<std::size_t>(channels);
-    peaks_.assign((samples.size() + stretch - 1) / stretch, 0.0F);
+    peaks.assign((samples.size() + stretch - 1) / stretch, 0.0F);
     for (std::size_t i = 0; i < samples.size(); ++i) {
-        float& peak = peaks_[i / stretch];
+        float& peak = peaks[i / stretch];
         peak = std::max(peak, std::abs(samples[i]));
     }
     const double rise =
         secondsPerDoubling > 0.0 ? std::exp2(kStretch / (secondsPerDoubling * sampleRate)) : 1.0;
-    const double before = envelope.gain();
-    envelope.Follow(peaks_, ceiling, rise, gains_);
-    float from = before < 0.0 ? gains_.front() : std::min(static_cast<float>(before), gains_.front());
-    for (std::size_t i = 0; i < gains_.size(); ++i) {
+    const double before = envelope.Gain();
+    envelope.Follow(peaks, ceiling, rise, gains);
+    float from = before < 0.0 ? gains.front() : std::min(static_cast<float>(before), gains.front());
+    for (std::size_t i = 0; i < gains.size(); ++i) {
         const std::size_t begin = i * stretch;
         const std::size_t end = std::min(begin + stretch, samples.size());
         // Towards the lower one of this and the next, so that no stretch is louder than its own limit.
-        const float to = i + 1 < gains_.size() ? std::min(gains_[i], gains_[i + 1]) : gains_[i];
+        const float to = i + 1 < gains.size() ? std::min(gains[i], gains[i + 1]) : gains[i];
         const auto length = static_cast<float>(end - begin);
         for (std::size_t at = begin; at < end; ++at) {
             const float part = static_cast<float>(at - begin) / length;

@@ -33,13 +33,13 @@ public:
     void Follow(std::span<const float> peaks, double ceiling, double rise, std::vector<float>& gains);
 
     // Starts again with the largest factor.
-    void Reset() { gain_ = -1.0; }
+    void Reset() { gain = -1.0; }
 
     // The last factor in use, negative before the first.
-    [[nodiscard]] double gain() const { return gain_; }
+    [[nodiscard]] double Gain() const { return gain; }
 
 private:
-    double gain_ = -1.0;
+    double gain = -1.0;
 };
 
 // Normalisation and boost of interleaved sound, in place. With neither, or where nothing is to be amplified,
@@ -47,7 +47,7 @@ private:
 class GainProcessor {
 public:
     // Takes effect with the next block.
-    void SetSettings(const GainSettings& settings);
+    void SetSettings(const GainSettings& newSettings);
 
     // `frames` sample frames of a valid `format` at `data`.
     void Process(const AudioFormat& format, std::uint8_t* data, int frames);
@@ -59,12 +59,12 @@ private:
     void Amplify(std::span<float> samples, int channels, int sampleRate, GainEnvelope& envelope,
                  double ceiling, double secondsPerDoubling);
 
-    GainSettings settings_;
-    GainEnvelope normalization_;
-    GainEnvelope limiter_;
-    std::vector<float> samples_;
-    std::vector<float> peaks_;
-    std::vector<float> gains_;
+    GainSettings settings;
+    GainEnvelope normalization;
+    GainEnvelope limiter;
+    std::vector<float> floatSamples;
+    std::vector<float> peaks;
+    std::vector<float> gains;
 };
 
 } // namespace brindlecast

@@ -111,7 +111,8 @@ ChromaMapping ChromaMappingFor(PixelFormat format, PictureSize size, const Chrom
         if (step == 1) {
             return;
         }
-        const float chromaTexels = static_cast<float>((texels + 1) / 2);
+        const int wholeTexels = (texels + 1) / 2;
+        const auto chromaTexels = static_cast<float>(wholeTexels);
         scale = static_cast<float>(texels) / (2.0F * chromaTexels);
         // The middle of a chroma texel stands, without an offset, between its two luma samples; a cosited one
         // belongs half a luma sample, a quarter of its own width, further left.

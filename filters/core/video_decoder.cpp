@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <new>
 #include <utility>
 
@@ -16,8 +15,6 @@ constexpr Time100ns kAssumedFrameDuration = kTime100nsPerSecond / 25;
 
 // Frame threads beyond these cost memory and seeking time and bring nothing.
 constexpr int kMaxThreads = 16;
-// More than there are threads that can each hold a broken picture.
-constexpr int kMaxFailuresInARow = 64;
 
 void AddSideData(AVPacket& packet, const CodecSideData& block) {
     std::uint8_t* data = av_packet_new_side_data(&packet, block.type, block.bytes.size());
@@ -31,74 +28,60 @@ void AddSideData(AVPacket& packet, const CodecSideData& block) {
 
 std::unique_ptr<VideoDecoder> VideoDecoder::Create(const AVCodecParameters& parameters,
                                                    Time100ns frameDuration, int threads) {
-    const AVCodec* codec = avcodec_find_decoder(parameters.codec_id);
-    if (!codec || codec->type != AVMEDIA_TYPE_VIDEO) {
+    auto session = CodecSession::Open(parameters, AVMEDIA_TYPE_VIDEO, [&](AVCodecContext& context) {
+        context.thread_count = std::clamp(threads, 0, kMaxThreads);
+        context.thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
+    });
+    if (!session) {
         return nullptr;
     }
-    CodecContextPtr context(avcodec_alloc_context3(codec));
-    if (!context || avcodec_parameters_to_context(context.get(), &parameters) < 0) {
-        return nullptr;
-    }
-    context->pkt_timebase = kTimebase100ns;
-    context->thread_count = std::clamp(threads, 0, kMaxThreads);
-    context->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
-    if (avcodec_open2(context.get(), codec, nullptr) < 0) {
-        return nullptr;
-    }
-    std::unique_ptr<VideoDecoder> decoder(new VideoDecoder(std::move(context), frameDuration));
-    return decoder->packet_ ? std::move(decoder) : nullptr;
+    return std::unique_ptr<VideoDecoder>(new VideoDecoder(std::move(*session), frameDuration));
 }
 
-VideoDecoder::VideoDecoder(CodecContextPtr context, Time100ns frameDuration)
-    : context_(std::move(context)), packet_(av_packet_alloc()),
-      frameDuration_(std::max<Time100ns>(frameDuration, 0)) {}
+VideoDecoder::VideoDecoder(CodecSession openSession, Time100ns frameDuration)
+    : session(std::move(openSession)), nominalDuration(std::max<Time100ns>(frameDuration, 0)) {}
 
-void VideoDecoder::StartSegment(double rate) {
+void VideoDecoder::StartSegment(double newRate) {
     Flush();
-    rate_ = rate > 0.0 ? rate : 1.0;
+    rate = newRate > 0.0 ? newRate : 1.0;
 }
 
 void VideoDecoder::Flush() {
-    avcodec_flush_buffers(context_.get());
-    fresh_ = true;
-    shownUntil_ = kNoTime;
-    nextStart_ = 0;
+    session.Flush();
+    fresh = true;
+    standing.reset();
+    shownUntil = kNoTime;
+    nextStart = 0;
 }
 
 bool VideoDecoder::Decode(const VideoPacket& packet, const Sink& sink) {
-    if (packet.data.empty() ||
-        packet.data.size() > static_cast<std::size_t>(std::numeric_limits<int>::max() / 2)) {
+    AVPacket* const filled = session.Fill(packet.data);
+    if (filled == nullptr) {
         return true;
     }
-    // A new buffer with the padding that the library's bit readers run into.
-    av_packet_unref(packet_.get());
-    if (av_new_packet(packet_.get(), static_cast<int>(packet.data.size())) < 0) {
-        throw std::bad_alloc();
-    }
-    std::memcpy(packet_->data, packet.data.data(), packet.data.size());
-    packet_->pts = packet.start;
-    packet_->duration =
-        packet.start != kNoTime && packet.stop > packet.start ? packet.stop - packet.start : 0;
-    packet_->flags = packet.keyframe ? AV_PKT_FLAG_KEY : 0;
+    filled->pts = packet.start;
+    filled->duration = packet.start != kNoTime && packet.stop > packet.start ? packet.stop - packet.start : 0;
+    filled->flags = packet.keyframe ? AV_PKT_FLAG_KEY : 0;
     for (const CodecSideData& block : packet.sideData) {
-        AddSideData(*packet_, block);
+        AddSideData(*filled, block);
     }
 
-    const bool first = std::exchange(fresh_, false);
+    const bool first = std::exchange(fresh, false);
     if (first && packet.keyframe && packet.start != kNoTime && !IsBeforeSegment(packet.start) &&
-        !ShowFirstAtOnce(*packet_, sink)) {
+        !ShowFirstAtOnce(*filled, sink)) {
         return false;
     }
-    const bool goesOn = SendAndReceive(packet_.get(), sink);
-    av_packet_unref(packet_.get());
+    const bool goesOn = Send(filled, sink);
+    session.Discard();
     return goesOn;
 }
 
 bool VideoDecoder::Drain(const Sink& sink) {
-    const bool goesOn = fresh_ || SendAndReceive(nullptr, sink);
-    const Time100ns next = nextStart_;
+    // A segment that begins behind the last picture shows that one.
+    const bool goesOn = (fresh || Send(nullptr, sink)) && EmitStanding(1, sink);
+    const Time100ns next = nextStart;
     Flush();
-    nextStart_ = next;
+    nextStart = next;
     return goesOn;
 }
 
@@ -112,68 +95,54 @@ bool VideoDecoder::ShowFirstAtOnce(const AVPacket& packet, const Sink& sink) {
         last = std::max(last, frame.start);
         return sink(std::move(frame));
     };
-    const bool goesOn = SendAndReceive(&packet, remembering) && SendAndReceive(nullptr, remembering);
-    const Time100ns next = nextStart_;
+    const bool goesOn = Send(&packet, remembering) && Send(nullptr, remembering);
+    const Time100ns next = nextStart;
     Flush();
-    nextStart_ = next;
-    fresh_ = false;
-    shownUntil_ = last;
+    nextStart = next;
+    fresh = false;
+    shownUntil = last;
     return goesOn;
 }
 
-bool VideoDecoder::SendAndReceive(const AVPacket* packet, const Sink& sink) {
-    for (;;) {
-        const int sent = avcodec_send_packet(context_.get(), packet);
-        if (!ReceiveAll(sink)) {
-            return false;
-        }
-        if (sent != AVERROR(EAGAIN)) {
-            brokenPackets_ += sent < 0 && sent != AVERROR_EOF;
-            return true;
-        }
-    }
-}
-
-bool VideoDecoder::ReceiveAll(const Sink& sink) {
-    for (int failures = 0; failures < kMaxFailuresInARow;) {
-        FramePtr picture(av_frame_alloc());
-        if (!picture) {
-            throw std::bad_alloc();
-        }
-        const int received = avcodec_receive_frame(context_.get(), picture.get());
-        if (received == AVERROR(EAGAIN) || received == AVERROR_EOF) {
-            return true;
-        }
-        if (received < 0) {
-            // A broken picture found late, on a decoding thread; those behind it are still to come.
-            ++brokenPackets_;
-            ++failures;
-            continue;
-        }
-        failures = 0;
-        if (!Emit(std::move(picture), sink)) {
-            return false;
-        }
-    }
-    return true;
+bool VideoDecoder::Send(const AVPacket* packet, const Sink& sink) {
+    return session.Send(packet, [&](FramePtr picture) { return Emit(std::move(picture), sink); });
 }
 
 bool VideoDecoder::Emit(FramePtr picture, const Sink& sink) {
     VideoFrame frame;
     frame.start =
-        picture->best_effort_timestamp != AV_NOPTS_VALUE ? picture->best_effort_timestamp : nextStart_;
+        picture->best_effort_timestamp != AV_NOPTS_VALUE ? picture->best_effort_timestamp : nextStart;
     frame.stop = frame.start + LengthOf(*picture);
-    nextStart_ = frame.stop;
-    if (shownUntil_ != kNoTime) {
-        if (frame.start <= shownUntil_) {
+    nextStart = frame.stop;
+    if (shownUntil != kNoTime) {
+        if (frame.start <= shownUntil) {
             return true;
         }
-        shownUntil_ = kNoTime;
+        shownUntil = kNoTime;
     }
-    if (IsBeforeSegment(frame.start) || picture->width <= 0 || picture->height <= 0) {
+    if (picture->width <= 0 || picture->height <= 0) {
         return true;
     }
+    const Time100ns start = frame.start;
     frame.picture = std::move(picture);
+    if (IsBeforeSegment(start)) {
+        standing = std::move(frame);
+        return true;
+    }
+    if (start <= Tolerance()) {
+        standing.reset(); // this one begins with the segment
+    }
+    return EmitStanding(start, sink) && sink(std::move(frame));
+}
+
+// How long a picture stands is told by the one behind it: what the container says can be wrong.
+bool VideoDecoder::EmitStanding(Time100ns until, const Sink& sink) {
+    if (!standing) {
+        return true;
+    }
+    VideoFrame frame = std::move(*standing);
+    standing.reset();
+    frame.stop = std::max(frame.stop, until);
     return sink(std::move(frame));
 }
 
@@ -181,14 +150,14 @@ Time100ns VideoDecoder::LengthOf(const AVFrame& picture) const {
     if (picture.pkt_duration > 0) {
         return picture.pkt_duration;
     }
-    const Time100ns base = frameDuration_ > 0 ? frameDuration_ : kAssumedFrameDuration;
+    const Time100ns base = nominalDuration > 0 ? nominalDuration : kAssumedFrameDuration;
     const double fields = 2.0 + std::clamp(picture.repeat_pict, 0, 10);
-    return std::max<Time100ns>(1, std::llround(static_cast<double>(base) * fields / 2.0 / rate_));
+    return std::max<Time100ns>(1, std::llround(static_cast<double>(base) * fields / 2.0 / rate));
 }
 
 Time100ns VideoDecoder::Tolerance() const {
-    const Time100ns base = frameDuration_ > 0 ? frameDuration_ : kAssumedFrameDuration;
-    return std::min<Time100ns>(kContainerRounding, std::llround(static_cast<double>(base) / rate_ / 4.0));
+    const Time100ns base = nominalDuration > 0 ? nominalDuration : kAssumedFrameDuration;
+    return std::min<Time100ns>(kContainerRounding, std::llround(static_cast<double>(base) / rate / 4.0));
 }
 
 } // namespace brindlecast

@@ -1,10 +1,11 @@
 #pragma once
 
-#include "filters/core/audio_video_types.h"
+#include "filters/core/codec_session.h"
 
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 
 namespace brindlecast {
@@ -33,8 +34,9 @@ struct VideoFrame {
     Time100ns stop = 0;
 };
 
-// Software decoding of one video stream: packets in, pictures in order of presentation out. Pictures whose
-// time lies before the start of the segment (time 0) are decoded and kept back. One thread at a time.
+// Software decoding of one video stream: packets in, pictures in order of presentation out. Of the pictures
+// that begin before the start of the segment (time 0) only the last is handed out, if it still stands when
+// the segment starts: that is the picture of that time. One thread at a time.
 class VideoDecoder {
 public:
     // Takes a picture; false ends the delivery (the graph is flushing or has stopped).
@@ -48,7 +50,7 @@ public:
 
     // Starts a segment: forgets everything that was decoded; `rate` is the factor that packet times were
     // divided by.
-    void StartSegment(double rate);
+    void StartSegment(double newRate);
 
     // Forgets everything that was decoded; the segment goes on.
     void Flush();
@@ -61,31 +63,31 @@ public:
     bool Drain(const Sink& sink);
 
     // Packets that the library called broken since creation.
-    [[nodiscard]] std::int64_t brokenPackets() const { return brokenPackets_; }
-    [[nodiscard]] const AVCodecContext& context() const { return *context_; }
+    [[nodiscard]] std::int64_t BrokenPackets() const { return session.BrokenPackets(); }
+    [[nodiscard]] const AVCodecContext& Context() const { return session.Context(); }
 
 private:
-    explicit VideoDecoder(CodecContextPtr context, Time100ns frameDuration);
+    VideoDecoder(CodecSession openSession, Time100ns frameDuration);
 
-    bool SendAndReceive(const AVPacket* packet, const Sink& sink);
-    bool ReceiveAll(const Sink& sink);
+    bool Send(const AVPacket* packet, const Sink& sink);
     bool ShowFirstAtOnce(const AVPacket& packet, const Sink& sink);
     bool Emit(FramePtr picture, const Sink& sink);
+    bool EmitStanding(Time100ns until, const Sink& sink);
     [[nodiscard]] Time100ns LengthOf(const AVFrame& picture) const;
     [[nodiscard]] Time100ns Tolerance() const;
     [[nodiscard]] bool IsBeforeSegment(Time100ns start) const { return start < -Tolerance(); }
 
-    CodecContextPtr context_;
-    PacketPtr packet_;
-    Time100ns frameDuration_;
-    double rate_ = 1.0;
+    CodecSession session;
+    Time100ns nominalDuration;
+    double rate = 1.0;
     // No packet has gone in since the start or the last flush.
-    bool fresh_ = true;
+    bool fresh = true;
+    // The latest picture from before the segment, until one of the segment has come.
+    std::optional<VideoFrame> standing;
     // Pictures up to this time were shown ahead of the regular decoding.
-    Time100ns shownUntil_ = kNoTime;
+    Time100ns shownUntil = kNoTime;
     // Where the next picture without a time of its own goes.
-    Time100ns nextStart_ = 0;
-    std::int64_t brokenPackets_ = 0;
+    Time100ns nextStart = 0;
 };
 
 } // namespace brindlecast

@@ -50,8 +50,8 @@ void Interleave8(const AVFrame& picture, std::uint8_t* to, std::ptrdiff_t stride
         const std::uint8_t* v = picture.data[2] + std::ptrdiff_t{row} * picture.linesize[2];
         std::uint8_t* pairs = to + row * stride;
         for (int x = 0; x < width; ++x) {
-            pairs[2 * x] = u[x];
-            pairs[2 * x + 1] = v[x];
+            *pairs++ = u[x];
+            *pairs++ = v[x];
         }
     }
 }
@@ -62,8 +62,8 @@ void Deinterleave8(const AVFrame& picture, std::uint8_t* u, std::uint8_t* v, std
     for (int row = 0; row < HalfUp(picture.height); ++row) {
         const std::uint8_t* pairs = picture.data[1] + std::ptrdiff_t{row} * picture.linesize[1];
         for (int x = 0; x < width; ++x) {
-            u[row * stride + x] = pairs[2 * x];
-            v[row * stride + x] = pairs[2 * x + 1];
+            u[row * stride + x] = *pairs++;
+            v[row * stride + x] = *pairs++;
         }
     }
 }
@@ -93,8 +93,8 @@ void WriteP010(const AVFrame& picture, std::uint8_t* data, std::ptrdiff_t stride
         const std::uint16_t* v = Row16(picture, 2, row);
         auto* to = reinterpret_cast<std::uint16_t*>(chroma + row * stride);
         for (int x = 0; x < width; ++x) {
-            to[2 * x] = Raise(u[x]);
-            to[2 * x + 1] = Raise(v[x]);
+            *to++ = Raise(u[x]);
+            *to++ = Raise(v[x]);
         }
     }
 }
@@ -178,8 +178,8 @@ bool PictureWriter::Write(const AVFrame& picture, const PictureBuffer& buffer) {
             Interleave8(picture, chroma, stride);
             return true;
         }
-        std::uint8_t* const planes[4] = {buffer.data, chroma, nullptr, nullptr};
-        const int strides[4] = {stride, stride, 0, 0};
+        const Planes planes = {buffer.data, chroma, nullptr, nullptr};
+        const Strides strides = {stride, stride, 0, 0};
         return Scale(picture, AV_PIX_FMT_NV12, planes, strides);
     }
     case PixelFormat::kP010: {
@@ -187,8 +187,8 @@ bool PictureWriter::Write(const AVFrame& picture, const PictureBuffer& buffer) {
             WriteP010(picture, buffer.data, stride, buffer.rows);
             return true;
         }
-        std::uint8_t* const planes[4] = {buffer.data, chroma, nullptr, nullptr};
-        const int strides[4] = {stride, stride, 0, 0};
+        const Planes planes = {buffer.data, chroma, nullptr, nullptr};
+        const Strides strides = {stride, stride, 0, 0};
         return Scale(picture, AV_PIX_FMT_P010LE, planes, strides);
     }
     case PixelFormat::kYv12: {
@@ -203,21 +203,21 @@ bool PictureWriter::Write(const AVFrame& picture, const PictureBuffer& buffer) {
             Deinterleave8(picture, u, chroma, stride / 2);
             return true;
         }
-        std::uint8_t* const planes[4] = {buffer.data, u, chroma, nullptr};
-        const int strides[4] = {stride, stride / 2, stride / 2, 0};
+        const Planes planes = {buffer.data, u, chroma, nullptr};
+        const Strides strides = {stride, stride / 2, stride / 2, 0};
         return Scale(picture, AV_PIX_FMT_YUV420P, planes, strides);
     }
     case PixelFormat::kYuy2: {
-        std::uint8_t* const planes[4] = {buffer.data, nullptr, nullptr, nullptr};
-        const int strides[4] = {stride, 0, 0, 0};
+        const Planes planes = {buffer.data, nullptr, nullptr, nullptr};
+        const Strides strides = {stride, 0, 0, 0};
         return Scale(picture, AV_PIX_FMT_YUYV422, planes, strides);
     }
     case PixelFormat::kAyuv: return WriteAyuv(picture, buffer);
     case PixelFormat::kRgb32: break;
     }
     std::uint8_t* const lastRow = buffer.data + std::ptrdiff_t{stride} * (buffer.rows - 1);
-    std::uint8_t* const planes[4] = {buffer.bottomUp ? lastRow : buffer.data, nullptr, nullptr, nullptr};
-    const int strides[4] = {buffer.bottomUp ? -stride : stride, 0, 0, 0};
+    const Planes planes = {buffer.bottomUp ? lastRow : buffer.data, nullptr, nullptr, nullptr};
+    const Strides strides = {buffer.bottomUp ? -stride : stride, 0, 0, 0};
     return Scale(picture, AV_PIX_FMT_BGR0, planes, strides);
 }
 
@@ -227,10 +227,10 @@ bool PictureWriter::WriteAyuv(const AVFrame& picture, const PictureBuffer& buffe
         static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height);
     // The library's vector loops may write a little past the end of a row.
     constexpr std::size_t kOverrun = 64;
-    planes_.resize(3 * plane + kOverrun);
-    std::uint8_t* const planes[4] = {planes_.data(), planes_.data() + plane, planes_.data() + 2 * plane,
-                                     nullptr};
-    const int strides[4] = {picture.width, picture.width, picture.width, 0};
+    fullPlanes.resize(3 * plane + kOverrun);
+    const Planes planes = {fullPlanes.data(), fullPlanes.data() + plane, fullPlanes.data() + 2 * plane,
+                           nullptr};
+    const Strides strides = {picture.width, picture.width, picture.width, 0};
     if (!Scale(picture, AV_PIX_FMT_YUV444P, planes, strides)) {
         return false;
     }
@@ -249,21 +249,21 @@ bool PictureWriter::WriteAyuv(const AVFrame& picture, const PictureBuffer& buffe
     return true;
 }
 
-bool PictureWriter::Scale(const AVFrame& picture, AVPixelFormat target, std::uint8_t* const planes[4],
-                          const int strides[4]) {
+bool PictureWriter::Scale(const AVFrame& picture, AVPixelFormat target, const Planes& planes,
+                          const Strides& strides) {
     const auto source = WithoutRange(static_cast<AVPixelFormat>(picture.format));
     if (!sws_isSupportedInput(source)) {
         return false;
     }
-    scaler_.reset(sws_getCachedContext(
-        scaler_.release(), picture.width, picture.height, source, picture.width, picture.height, target,
+    scaler.reset(sws_getCachedContext(
+        scaler.release(), picture.width, picture.height, source, picture.width, picture.height, target,
         SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT, nullptr, nullptr, nullptr));
-    if (!scaler_) {
+    if (!scaler) {
         return false;
     }
     SetColors(picture, target);
-    return sws_scale(scaler_.get(), picture.data, picture.linesize, 0, picture.height, planes, strides) ==
-           picture.height;
+    return sws_scale(scaler.get(), picture.data, picture.linesize, 0, picture.height, planes.data(),
+                     strides.data()) == picture.height;
 }
 
 // YUV to YUV keeps matrix and range; between RGB and YUV the picture's own matrix counts, by its size when
@@ -282,7 +282,7 @@ void PictureWriter::SetColors(const AVFrame& picture, AVPixelFormat target) {
     const int targetFull = toRgb ? 1 : (fromRgb ? 0 : sourceFull);
     constexpr int kUnity = 1 << 16;
     // Not every pair of formats has a conversion of colours; where there is none, there is nothing to set.
-    (void)sws_setColorspaceDetails(scaler_.get(), coefficients, sourceFull, coefficients, targetFull, 0,
+    (void)sws_setColorspaceDetails(scaler.get(), coefficients, sourceFull, coefficients, targetFull, 0,
                                    kUnity, kUnity);
 }
 

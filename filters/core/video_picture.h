@@ -3,6 +3,7 @@
 #include "filters/core/audio_video_types.h"
 #include "filters/core/picture_format.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -46,17 +47,19 @@ public:
     [[nodiscard]] bool Write(const AVFrame& picture, const PictureBuffer& buffer);
 
 private:
+    using Planes = std::array<std::uint8_t*, 4>;
+    using Strides = std::array<int, 4>;
     struct ScalerDeleter {
-        void operator()(SwsContext* scaler) const noexcept { sws_freeContext(scaler); }
+        void operator()(SwsContext* freed) const noexcept { sws_freeContext(freed); }
     };
 
-    [[nodiscard]] bool Scale(const AVFrame& picture, AVPixelFormat target, std::uint8_t* const planes[4],
-                             const int strides[4]);
+    [[nodiscard]] bool Scale(const AVFrame& picture, AVPixelFormat target, const Planes& planes,
+                             const Strides& strides);
     [[nodiscard]] bool WriteAyuv(const AVFrame& picture, const PictureBuffer& buffer);
     void SetColors(const AVFrame& picture, AVPixelFormat target);
 
-    std::unique_ptr<SwsContext, ScalerDeleter> scaler_;
-    std::vector<std::uint8_t> planes_;
+    std::unique_ptr<SwsContext, ScalerDeleter> scaler;
+    std::vector<std::uint8_t> fullPlanes;
 };
 
 } // namespace brindlecast

@@ -44,21 +44,21 @@ bool IsSane(LONG left, LONG top, LONG width, LONG height) {
 } // namespace
 
 HRESULT BasicVideo::CurrentSource(PictureRect* source) const {
-    const auto size = core_.VideoSize();
+    const auto size = core.VideoSize();
     if (!size) {
         return VFW_E_NOT_CONNECTED;
     }
-    *source = core_.TheLook().Get().source.value_or(PictureRect{0, 0, size->width, size->height});
+    *source = core.TheLook().Get().source.value_or(PictureRect{0, 0, size->width, size->height});
     return S_OK;
 }
 
 HRESULT BasicVideo::CurrentDestination(PictureRect* destination) const {
-    if (!core_.IsConnected()) {
+    if (!core.IsConnected()) {
         return VFW_E_NOT_CONNECTED;
     }
-    const Look look = core_.TheLook().Get();
+    const Look look = core.TheLook().Get();
     RECT client{};
-    const HWND window = core_.Window().Handle();
+    const HWND window = core.Window().Handle();
     if (!look.destination && window != nullptr) {
         GetClientRect(window, &client);
     }
@@ -92,7 +92,7 @@ STDMETHODIMP BasicVideo::get_AvgTimePerFrame(REFTIME* seconds) {
     if (seconds == nullptr) {
         return E_POINTER;
     }
-    const auto format = core_.Format();
+    const auto format = core.Format();
     if (!format) {
         return VFW_E_NOT_CONNECTED;
     }
@@ -104,7 +104,7 @@ STDMETHODIMP BasicVideo::get_BitRate(LONG* rate) {
     if (rate == nullptr) {
         return E_POINTER;
     }
-    if (!core_.IsConnected()) {
+    if (!core.IsConnected()) {
         return VFW_E_NOT_CONNECTED;
     }
     *rate = 0; // pictures arrive decoded: the rate of the stream is not known here
@@ -204,7 +204,7 @@ STDMETHODIMP BasicVideo::get_DestinationHeight(LONG* height) {
 }
 
 STDMETHODIMP BasicVideo::SetSourcePosition(LONG left, LONG top, LONG width, LONG height) {
-    const auto size = core_.VideoSize();
+    const auto size = core.VideoSize();
     if (!size) {
         return VFW_E_NOT_CONNECTED;
     }
@@ -212,8 +212,8 @@ STDMETHODIMP BasicVideo::SetSourcePosition(LONG left, LONG top, LONG width, LONG
         top + height > size->height) {
         return E_INVALIDARG;
     }
-    core_.TheLook().Edit([&](Look& look) { look.source = {left, top, left + width, top + height}; });
-    core_.Drawing().RequestRedraw();
+    core.TheLook().Edit([&](Look& look) { look.source = {left, top, left + width, top + height}; });
+    core.Drawing().RequestRedraw();
     return S_OK;
 }
 
@@ -223,23 +223,23 @@ STDMETHODIMP BasicVideo::GetSourcePosition(LONG* left, LONG* top, LONG* width, L
 }
 
 STDMETHODIMP BasicVideo::SetDefaultSourcePosition() {
-    if (!core_.IsConnected()) {
+    if (!core.IsConnected()) {
         return VFW_E_NOT_CONNECTED;
     }
-    core_.TheLook().Edit([](Look& look) { look.source.reset(); });
-    core_.Drawing().RequestRedraw();
+    core.TheLook().Edit([](Look& look) { look.source.reset(); });
+    core.Drawing().RequestRedraw();
     return S_OK;
 }
 
 STDMETHODIMP BasicVideo::SetDestinationPosition(LONG left, LONG top, LONG width, LONG height) {
-    if (!core_.IsConnected()) {
+    if (!core.IsConnected()) {
         return VFW_E_NOT_CONNECTED;
     }
     if (!IsSane(left, top, width, height)) {
         return E_INVALIDARG;
     }
-    core_.TheLook().Edit([&](Look& look) { look.destination = {left, top, left + width, top + height}; });
-    core_.Drawing().RequestRedraw();
+    core.TheLook().Edit([&](Look& look) { look.destination = {left, top, left + width, top + height}; });
+    core.Drawing().RequestRedraw();
     return S_OK;
 }
 
@@ -249,11 +249,11 @@ STDMETHODIMP BasicVideo::GetDestinationPosition(LONG* left, LONG* top, LONG* wid
 }
 
 STDMETHODIMP BasicVideo::SetDefaultDestinationPosition() {
-    if (!core_.IsConnected()) {
+    if (!core.IsConnected()) {
         return VFW_E_NOT_CONNECTED;
     }
-    core_.TheLook().Edit([](Look& look) { look.destination.reset(); });
-    core_.Drawing().RequestRedraw();
+    core.TheLook().Edit([](Look& look) { look.destination.reset(); });
+    core.Drawing().RequestRedraw();
     return S_OK;
 }
 
@@ -261,7 +261,7 @@ STDMETHODIMP BasicVideo::GetVideoSize(LONG* width, LONG* height) {
     if (width == nullptr || height == nullptr) {
         return E_POINTER;
     }
-    const auto size = core_.VideoSize();
+    const auto size = core.VideoSize();
     if (!size) {
         return VFW_E_NOT_CONNECTED;
     }
@@ -282,7 +282,7 @@ STDMETHODIMP BasicVideo::GetCurrentImage(LONG* size, LONG* image) {
     if (size == nullptr) {
         return E_POINTER;
     }
-    const auto videoSize = core_.VideoSize();
+    const auto videoSize = core.VideoSize();
     if (!videoSize) {
         return VFW_E_NOT_CONNECTED;
     }
@@ -296,7 +296,7 @@ STDMETHODIMP BasicVideo::GetCurrentImage(LONG* size, LONG* image) {
     }
     return Guarded([&]() -> HRESULT {
         CapturedImage captured;
-        const HRESULT result = core_.Drawing().Capture(FramePainter::CaptureKind::kPicture, &captured);
+        const HRESULT result = core.Drawing().Capture(FramePainter::CaptureKind::kPicture, &captured);
         if (FAILED(result)) {
             return result == E_ABORT ? E_UNEXPECTED : result;
         }
@@ -311,17 +311,17 @@ STDMETHODIMP BasicVideo::GetCurrentImage(LONG* size, LONG* image) {
 }
 
 STDMETHODIMP BasicVideo::IsUsingDefaultSource() {
-    if (!core_.IsConnected()) {
+    if (!core.IsConnected()) {
         return VFW_E_NOT_CONNECTED;
     }
-    return core_.TheLook().Get().source ? S_FALSE : S_OK;
+    return core.TheLook().Get().source ? S_FALSE : S_OK;
 }
 
 STDMETHODIMP BasicVideo::IsUsingDefaultDestination() {
-    if (!core_.IsConnected()) {
+    if (!core.IsConnected()) {
         return VFW_E_NOT_CONNECTED;
     }
-    return core_.TheLook().Get().destination ? S_FALSE : S_OK;
+    return core.TheLook().Get().destination ? S_FALSE : S_OK;
 }
 
 STDMETHODIMP BasicVideo::GetPreferredAspectRatio(LONG* aspectX, LONG* aspectY) {

@@ -11,7 +11,7 @@ namespace brindlecast {
 // connected.
 class BasicVideo final : public DualFilterPart<IBasicVideo2> {
 public:
-    BasicVideo(BaseFilter& filter, RendererCore& core) : DualFilterPart(filter), core_(core) {}
+    BasicVideo(BaseFilter& theFilter, RendererCore& theCore) : DualFilterPart(theFilter), core(theCore) {}
 
     STDMETHODIMP get_AvgTimePerFrame(REFTIME* seconds) override;
     STDMETHODIMP get_BitRate(LONG* rate) override;
@@ -56,7 +56,7 @@ private:
     template <class Change>
     [[nodiscard]] HRESULT EditDestination(Change&& change);
 
-    RendererCore& core_;
+    RendererCore& core;
 };
 
 } // namespace brindlecast

@@ -34,46 +34,46 @@ public:
 
 } // namespace
 
-DrawingThread::DrawingThread(DrawingHost& host, std::shared_ptr<WindowSlot> window, SubtitleLink& subtitles,
-                             const SharedLook& look)
-    : host_(host), look_(look), painter_(std::move(window), subtitles, DefaultPresenter) {}
+DrawingThread::DrawingThread(DrawingHost& theHost, std::shared_ptr<WindowSlot> window,
+                             SubtitleLink& subtitles, const SharedLook& theLook)
+    : host(theHost), look(theLook), painter(std::move(window), subtitles, DefaultPresenter) {}
 
 DrawingThread::~DrawingThread() {
     {
-        const std::lock_guard lock(mutex_);
-        quit_ = true;
+        const std::lock_guard lock(mutex);
+        quit = true;
     }
-    wake_.Set();
-    room_.Set();
-    if (thread_ && GetCurrentThreadId() == threadId_) {
+    wake.Set();
+    room.Set();
+    if (threadHandle && GetCurrentThreadId() == threadId) {
         // Telling the graph of the end gave it up: its last reference was ours. The thread leaves when it
         // comes back.
-        *alive_ = false;
-    } else if (thread_) {
-        WaitForSingleObject(thread_.Get(), INFINITE);
+        *aliveFlag = false;
+    } else if (threadHandle) {
+        WaitForSingleObject(threadHandle.Get(), INFINITE);
     }
 }
 
 HRESULT DrawingThread::Start() {
-    if (thread_) {
+    if (threadHandle) {
         return S_OK;
     }
-    thread_ = UniqueHandle(CreateThread(nullptr, 0, ThreadEntry, this, 0, &threadId_));
-    return thread_ ? S_OK : HRESULT_FROM_WIN32(GetLastError());
+    threadHandle = UniqueHandle(CreateThread(nullptr, 0, ThreadEntry, this, 0, &threadId));
+    return threadHandle ? S_OK : HRESULT_FROM_WIN32(GetLastError());
 }
 
 DWORD WINAPI DrawingThread::ThreadEntry(void* self) noexcept {
     auto& thread = *static_cast<DrawingThread*>(self);
-    const std::shared_ptr<bool> alive = thread.alive_;
+    const std::shared_ptr<bool> alive = thread.aliveFlag;
     try {
         thread.Loop(*alive);
     } catch (...) {
         // Without memory for a picture nothing more can be drawn; the streaming thread must not wait for us.
         if (*alive) {
-            const std::lock_guard lock(thread.mutex_);
-            thread.quit_ = true;
-            thread.room_.Set();
-            thread.ready_.Set();
+            const std::lock_guard lock(thread.mutex);
+            thread.quit = true;
+            thread.room.Set();
+            thread.ready.Set();
         }
     }
     if (*alive) {
@@ -84,9 +84,9 @@ DWORD WINAPI DrawingThread::ThreadEntry(void* self) noexcept {
 
 void DrawingThread::Loop(const bool& alive) {
     std::optional<FineTimer> timer; // only while something is timed: it costs power
-    painter_.WarmUp();
+    painter.WarmUp();
     while (alive) {
-        const std::optional<std::int64_t> clock = host_.ClockTime();
+        const std::optional<std::int64_t> clock = host.ClockTime();
         const Task task = NextTask(clock);
         if (task.work == Work::kQuit) {
             return;
@@ -100,50 +100,50 @@ void DrawingThread::Loop(const bool& alive) {
         } else if (!timer) {
             timer.emplace();
         }
-        static_cast<void>(wake_.Wait(task.milliseconds));
+        static_cast<void>(wake.Wait(task.milliseconds));
     }
 }
 
 DrawingThread::Task DrawingThread::NextTask(const std::optional<std::int64_t>& clock) {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(mutex);
     Task task;
-    if (quit_) {
+    if (quit) {
         task.work = Work::kQuit;
-    } else if (std::exchange(keepCopies_, false)) {
+    } else if (std::exchange(keepCopies, false)) {
         task.work = Work::kKeepCopies;
-    } else if (!captures_.empty()) {
+    } else if (!captures.empty()) {
         task.work = Work::kCapture;
-        task.capture = captures_.front();
-        captures_.pop_front();
+        task.capture = captures.front();
+        captures.pop_front();
     } else {
         const Decision decision = Judge(clock);
         // A frame that is due serves a redraw as well.
-        if (std::exchange(redraw_, false) && decision.step != NextStep::kShow) {
-            prepared_.reset(); // it is drawn over
+        if (std::exchange(redraw, false) && decision.step != NextStep::kShow) {
+            prepared.reset(); // it is drawn over
             task.work = Work::kRedraw;
         } else {
             task = Carry(decision);
         }
     }
-    task.generation = generation_;
+    task.generation = generation;
     return task;
 }
 
 Decision DrawingThread::Judge(const std::optional<std::int64_t>& clock) const {
     ScheduleInput input;
-    input.state = flushing_ ? PlayState::kStopped : state_;
-    input.haveFrame = !queue_.empty();
+    input.state = flushing ? PlayState::kStopped : state;
+    input.haveFrame = !queue.empty();
     if (input.haveFrame) {
-        input.frame = queue_.front()->times;
+        input.frame = queue.front()->times;
         input.frame.timed = input.frame.timed && clock.has_value();
     }
     // Without a clock frames go out as they come, and the end follows the last one.
-    input.streamTime = clock ? *clock - start_ : lastStop_;
-    input.first = first_;
-    input.endOfStream = endOfStream_;
-    input.completed = completed_;
-    input.lastStop = lastStop_;
-    input.sinceShown = TickTime() - shownAt_;
+    input.streamTime = clock ? *clock - runStart : lastStop;
+    input.first = nextIsFirst;
+    input.endOfStream = endOfStream;
+    input.completed = completed;
+    input.lastStop = lastStop;
+    input.sinceShown = TickTime() - shownAt;
     return Decide(input);
 }
 
@@ -153,22 +153,22 @@ DrawingThread::Task DrawingThread::Carry(const Decision& decision) {
     case NextStep::kNothing: break;
     case NextStep::kWait:
         task.milliseconds = static_cast<DWORD>(std::min<std::int64_t>(decision.wait / kMillisecond, 1000));
-        if (!queue_.empty() && prepared_ != queue_.front()) {
+        if (!queue.empty() && prepared != queue.front()) {
             task.work = Work::kPrepare;
-            task.picture = prepared_ = queue_.front();
+            task.picture = prepared = queue.front();
         }
         break;
     case NextStep::kShow:
     case NextStep::kDrop:
         task.work = decision.step == NextStep::kShow ? Work::kShow : Work::kDrop;
-        task.picture = queue_.front();
-        queue_.pop_front();
-        prepared_.reset();
+        task.picture = queue.front();
+        queue.pop_front();
+        prepared.reset();
         UpdateRoom();
         break;
     case NextStep::kComplete:
         task.work = Work::kComplete;
-        completed_ = true;
+        completed = true;
         break;
     }
     return task;
@@ -176,20 +176,20 @@ DrawingThread::Task DrawingThread::Carry(const Decision& decision) {
 
 void DrawingThread::Perform(const Task& task) {
     switch (task.work) {
-    case Work::kKeepCopies: painter_.KeepCopies(); break;
+    case Work::kKeepCopies: painter.KeepCopies(); break;
     case Work::kCapture:
-        task.capture->result = painter_.Capture(task.capture->kind, look_.Get(), &task.capture->image);
+        task.capture->result = painter.Capture(task.capture->kind, look.Get(), &task.capture->image);
         task.capture->done.Set();
         break;
-    case Work::kRedraw: static_cast<void>(painter_.Redraw(look_.Get())); break;
+    case Work::kRedraw: static_cast<void>(painter.Redraw(look.Get())); break;
     case Work::kShow: ShowFrame(task); break;
-    case Work::kPrepare: painter_.Prepare(task.picture, look_.Get()); break;
+    case Work::kPrepare: painter.Prepare(task.picture, look.Get()); break;
     case Work::kDrop: {
-        const std::lock_guard lock(mutex_);
-        ++counters_.dropped;
+        const std::lock_guard lock(mutex);
+        ++counters.dropped;
         break;
     }
-    case Work::kComplete: host_.OnStreamEnd(); break;
+    case Work::kComplete: host.OnStreamEnd(); break;
     case Work::kQuit:
     case Work::kWait: break;
     }
@@ -198,159 +198,161 @@ void DrawingThread::Perform(const Task& task) {
 void DrawingThread::ShowFrame(const Task& task) {
     bool first = false;
     {
-        const std::lock_guard lock(mutex_);
-        if (task.generation != generation_) {
+        const std::lock_guard lock(mutex);
+        if (task.generation != generation) {
             return; // flushed or stopped since it was taken
         }
-        first = first_;
-        first_ = false;
-        shownTimes_ = task.picture->times;
-        shownAt_ = TickTime();
-        hasPicture_ = true;
+        first = nextIsFirst;
+        nextIsFirst = false;
+        shownTimes = task.picture->times;
+        shownAt = TickTime();
+        hasPicture = true;
     }
     // A picture that can't be drawn now (no window, no device) is still the one whose turn it is.
-    static_cast<void>(painter_.Show(task.picture, look_.Get()));
-    CountShown(*task.picture, host_.ClockTime(), first);
-    const std::lock_guard lock(mutex_);
-    if (task.generation == generation_) {
-        drawn_ = true;
+    static_cast<void>(painter.Show(task.picture, look.Get()));
+    CountShown(*task.picture, host.ClockTime(), first);
+    const std::lock_guard lock(mutex);
+    if (task.generation == generation) {
+        drawn = true;
         UpdateReady();
     }
 }
 
 void DrawingThread::CountShown(const Picture& picture, const std::optional<std::int64_t>& clock, bool first) {
-    const std::lock_guard lock(mutex_);
-    counters_.lastShown = TickTime();
-    if (counters_.shown++ == 0) {
-        counters_.firstShown = counters_.lastShown;
+    const std::lock_guard lock(mutex);
+    counters.lastShown = TickTime();
+    if (counters.shown++ == 0) {
+        counters.firstShown = counters.lastShown;
     }
-    if (clock && picture.times.timed && !first && state_ == PlayState::kRunning) {
-        const std::int64_t off = std::abs(*clock - start_ - picture.times.start);
-        counters_.lateSum += off;
-        counters_.lateLargest = std::max(counters_.lateLargest, off);
-        ++counters_.timed;
+    if (clock && picture.times.timed && !first && state == PlayState::kRunning) {
+        const std::int64_t off = std::abs(*clock - runStart - picture.times.start);
+        counters.lateSum += off;
+        counters.lateLargest = std::max(counters.lateLargest, off);
+        ++counters.timed;
     }
 }
 
 void DrawingThread::Pause() {
-    const std::lock_guard lock(mutex_);
-    if (state_ == PlayState::kStopped) {
-        first_ = true;
-        drawn_ = endOfStream_ = completed_ = flushing_ = false;
-        lastStop_ = 0;
-        counters_ = {};
+    const std::lock_guard lock(mutex);
+    if (state == PlayState::kStopped) {
+        nextIsFirst = true;
+        drawn = endOfStream = completed = flushing = segmentCame = false;
+        lastStop = 0;
+        counters = {};
     }
-    state_ = PlayState::kPaused;
+    state = PlayState::kPaused;
     UpdateReady();
     UpdateRoom();
-    wake_.Set();
+    wake.Set();
 }
 
 void DrawingThread::Run(std::int64_t start) {
-    const std::lock_guard lock(mutex_);
-    if (state_ != PlayState::kRunning) {
-        completed_ = false; // each run tells the end once
+    const std::lock_guard lock(mutex);
+    if (state != PlayState::kRunning) {
+        completed = false; // each run tells the end once
     }
-    start_ = start;
-    state_ = PlayState::kRunning;
+    runStart = start;
+    state = PlayState::kRunning;
     UpdateReady();
-    wake_.Set();
+    wake.Set();
 }
 
 void DrawingThread::Stop() {
     std::deque<PicturePtr> dropped; // freed outside the lock: that is foreign code
-    PicturePtr prepared;
-    const std::lock_guard lock(mutex_);
-    state_ = PlayState::kStopped;
-    ++generation_;
-    dropped.swap(queue_);
-    prepared.swap(prepared_);
-    keepCopies_ = true;
+    PicturePtr droppedPrepared;
+    const std::lock_guard lock(mutex);
+    state = PlayState::kStopped;
+    ++generation;
+    dropped.swap(queue);
+    droppedPrepared.swap(prepared);
+    keepCopies = true;
     UpdateReady();
     UpdateRoom();
-    wake_.Set();
+    wake.Set();
 }
 
 HRESULT DrawingThread::Push(PicturePtr picture) {
     for (;;) {
         {
-            const std::lock_guard lock(mutex_);
-            if (state_ == PlayState::kStopped || quit_) {
+            const std::lock_guard lock(mutex);
+            if (state == PlayState::kStopped || quit) {
                 return VFW_E_WRONG_STATE;
             }
-            if (flushing_) {
+            if (flushing) {
                 return S_FALSE;
             }
-            if (queue_.size() < kQueueLength) {
-                lastStop_ = std::max(lastStop_, picture->times.stop);
-                queue_.push_back(std::move(picture));
+            if (queue.size() < kQueueLength) {
+                lastStop = std::max(lastStop, picture->times.stop);
+                queue.push_back(std::move(picture));
                 UpdateRoom();
-                wake_.Set();
+                wake.Set();
                 return S_OK;
             }
         }
-        static_cast<void>(room_.Wait());
+        static_cast<void>(room.Wait());
     }
 }
 
 void DrawingThread::EndOfStream() {
-    const std::lock_guard lock(mutex_);
-    endOfStream_ = true;
+    const std::lock_guard lock(mutex);
+    endOfStream = true;
     UpdateReady();
-    wake_.Set();
+    wake.Set();
 }
 
 void DrawingThread::NewSegment(std::int64_t start, double rate) {
-    const std::lock_guard lock(mutex_);
-    segmentStart_ = start;
-    segmentRate_ = rate;
-    lastStop_ = 0;
+    const std::lock_guard lock(mutex);
+    segmentStart = start;
+    segmentRate = rate;
+    segmentCame = true;
+    lastStop = 0;
 }
 
 void DrawingThread::BeginFlush() {
     std::deque<PicturePtr> dropped;
-    PicturePtr prepared;
-    const std::lock_guard lock(mutex_);
-    flushing_ = true;
-    ++generation_;
-    dropped.swap(queue_);
-    prepared.swap(prepared_);
-    endOfStream_ = completed_ = drawn_ = false;
-    first_ = true;
-    lastStop_ = 0;
+    PicturePtr droppedPrepared;
+    const std::lock_guard lock(mutex);
+    flushing = true;
+    ++generation;
+    dropped.swap(queue);
+    droppedPrepared.swap(prepared);
+    endOfStream = completed = drawn = segmentCame = false;
+    nextIsFirst = true;
+    lastStop = 0;
     UpdateReady();
     UpdateRoom();
-    wake_.Set();
+    wake.Set();
 }
 
 void DrawingThread::EndFlush() {
-    const std::lock_guard lock(mutex_);
-    flushing_ = false;
+    const std::lock_guard lock(mutex);
+    flushing = false;
+    segmentCame = false; // one that came during the flush was that of the old place
     UpdateRoom();
-    wake_.Set();
+    wake.Set();
 }
 
 void DrawingThread::RequestRedraw() {
-    const std::lock_guard lock(mutex_);
-    redraw_ = hasPicture_;
-    if (redraw_) {
-        wake_.Set();
+    const std::lock_guard lock(mutex);
+    redraw = hasPicture;
+    if (redraw) {
+        wake.Set();
     }
 }
 
 HRESULT DrawingThread::Capture(FramePainter::CaptureKind kind, CapturedImage* out) {
-    if (!hasPicture_) {
+    if (!hasPicture) {
         return E_ABORT;
     }
     const auto job = std::make_shared<CaptureJob>();
     job->kind = kind;
     {
-        const std::lock_guard lock(mutex_);
-        if (quit_) {
+        const std::lock_guard lock(mutex);
+        if (quit) {
             return E_ABORT;
         }
-        captures_.push_back(job);
-        wake_.Set();
+        captures.push_back(job);
+        wake.Set();
     }
     if (!job->done.Wait(kCaptureMilliseconds)) {
         return HRESULT_FROM_WIN32(ERROR_TIMEOUT);
@@ -362,49 +364,52 @@ HRESULT DrawingThread::Capture(FramePainter::CaptureKind kind, CapturedImage* ou
 }
 
 void DrawingThread::FinishPendingCaptures() {
-    const std::lock_guard lock(mutex_);
-    for (const auto& job : captures_) {
+    const std::lock_guard lock(mutex);
+    for (const auto& job : captures) {
         job->done.Set();
     }
-    captures_.clear();
+    captures.clear();
 }
 
-std::int64_t DrawingThread::Position() {
-    const std::optional<std::int64_t> clock = host_.ClockTime();
-    const std::lock_guard lock(mutex_);
-    if (state_ == PlayState::kRunning && clock) {
-        std::int64_t stream = *clock - start_;
-        if (endOfStream_ && queue_.empty()) {
-            stream = std::min(stream, lastStop_);
+std::optional<std::int64_t> DrawingThread::Position() {
+    const std::optional<std::int64_t> clock = host.ClockTime();
+    const std::lock_guard lock(mutex);
+    if (!segmentCame) {
+        return std::nullopt;
+    }
+    if (state == PlayState::kRunning && clock) {
+        std::int64_t stream = *clock - runStart;
+        if (endOfStream && queue.empty()) {
+            stream = std::min(stream, lastStop);
         }
-        return MediaPosition(segmentStart_, segmentRate_, stream);
+        return MediaPosition(segmentStart, segmentRate, stream);
     }
-    if (first_) {
-        return segmentStart_; // nothing of this segment was shown
+    if (nextIsFirst) {
+        return segmentStart; // nothing of this segment was shown
     }
-    return MediaPosition(shownTimes_.segmentStart, shownTimes_.rate, shownTimes_.start);
+    return MediaPosition(shownTimes.segmentStart, shownTimes.rate, shownTimes.start);
 }
 
 DrawingThread::Counters DrawingThread::Count() const {
-    const std::lock_guard lock(mutex_);
-    return counters_;
+    const std::lock_guard lock(mutex);
+    return counters;
 }
 
 void DrawingThread::UpdateRoom() {
-    if (queue_.size() < kQueueLength || flushing_ || state_ == PlayState::kStopped || quit_) {
-        room_.Set();
+    if (queue.size() < kQueueLength || flushing || state == PlayState::kStopped || quit) {
+        room.Set();
     } else {
-        room_.Clear();
+        room.Clear();
     }
 }
 
 void DrawingThread::UpdateReady() {
-    const bool ended = endOfStream_ && queue_.empty();
-    const bool waiting = state_ == PlayState::kPaused && !drawn_ && !ended;
+    const bool ended = endOfStream && queue.empty();
+    const bool waiting = state == PlayState::kPaused && !drawn && !ended;
     if (waiting) {
-        ready_.Clear();
+        ready.Clear();
     } else {
-        ready_.Set();
+        ready.Set();
     }
 }
 

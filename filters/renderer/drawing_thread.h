@@ -32,8 +32,8 @@ public:
     // Frames that may wait; the streaming thread is held up beyond.
     static constexpr std::size_t kQueueLength = 3;
 
-    DrawingThread(DrawingHost& host, std::shared_ptr<WindowSlot> window, SubtitleLink& subtitles,
-                  const SharedLook& look);
+    DrawingThread(DrawingHost& theHost, std::shared_ptr<WindowSlot> window, SubtitleLink& subtitles,
+                  const SharedLook& theLook);
     ~DrawingThread();
 
     // Starts the thread if it does not run yet; it stays until destruction.
@@ -58,16 +58,17 @@ public:
 
     // Waits until a paused filter has its first frame (or the end of the stream). False when the time ran
     // out.
-    [[nodiscard]] bool WaitReady(DWORD milliseconds) const { return ready_.Wait(milliseconds); }
+    [[nodiscard]] bool WaitReady(DWORD milliseconds) const { return ready.Wait(milliseconds); }
 
     // The window has to be drawn again. Any thread; does not wait.
     void RequestRedraw();
-    [[nodiscard]] bool HasPicture() const noexcept { return hasPicture_.load(); }
+    [[nodiscard]] bool HasPicture() const noexcept { return hasPicture.load(); }
     // Hands a capture over to the drawing thread and waits for it. E_ABORT when there is no picture.
     [[nodiscard]] HRESULT Capture(FramePainter::CaptureKind kind, CapturedImage* out);
 
-    // Place on the file's time line now. Any thread.
-    [[nodiscard]] std::int64_t Position();
+    // Place on the file's time line now; nothing while the segment that follows a flush has not come yet.
+    // Any thread.
+    [[nodiscard]] std::optional<std::int64_t> Position();
 
     struct Counters {
         int shown = 0;
@@ -111,40 +112,41 @@ private:
     void UpdateRoom();
     void UpdateReady();
 
-    DrawingHost& host_;
-    const SharedLook& look_;
-    FramePainter painter_; // used by the thread alone
-    UniqueHandle thread_;
-    DWORD threadId_ = 0;
+    DrawingHost& host;
+    const SharedLook& look;
+    FramePainter painter; // used by the thread alone
+    UniqueHandle threadHandle;
+    DWORD threadId = 0;
     // False once this object was destroyed on its own thread.
-    const std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    const std::shared_ptr<bool> aliveFlag = std::make_shared<bool>(true);
 
-    mutable std::mutex mutex_; // guards what follows; held for moments only
-    bool quit_ = false;
-    PlayState state_ = PlayState::kStopped;
-    std::int64_t start_ = 0;
-    std::deque<PicturePtr> queue_;
-    PicturePtr prepared_;
-    bool flushing_ = false;
-    bool endOfStream_ = false;
-    bool completed_ = false;
-    bool drawn_ = false; // the first frame since the last flush or start is on the screen
-    bool first_ = true;  // none was taken for showing since then
-    unsigned generation_ = 0;
-    std::int64_t lastStop_ = 0;
-    std::int64_t segmentStart_ = 0;
-    double segmentRate_ = 1.0;
-    FrameTimes shownTimes_;
-    std::int64_t shownAt_ = 0; // 100 ns units of the system's tick count
-    bool redraw_ = false;
-    bool keepCopies_ = false;
-    std::deque<std::shared_ptr<CaptureJob>> captures_;
-    Counters counters_;
+    mutable std::mutex mutex; // guards what follows; held for moments only
+    bool quit = false;
+    PlayState state = PlayState::kStopped;
+    std::int64_t runStart = 0;
+    std::deque<PicturePtr> queue;
+    PicturePtr prepared;
+    bool flushing = false;
+    bool endOfStream = false;
+    bool completed = false;
+    bool drawn = false;      // the first frame since the last flush or start is on the screen
+    bool nextIsFirst = true; // none was taken for showing since then
+    unsigned generation = 0;
+    std::int64_t lastStop = 0;
+    std::int64_t segmentStart = 0;
+    double segmentRate = 1.0;
+    bool segmentCame = true; // since the last flush
+    FrameTimes shownTimes;
+    std::int64_t shownAt = 0; // 100 ns units of the system's tick count
+    bool redraw = false;
+    bool keepCopies = false;
+    std::deque<std::shared_ptr<CaptureJob>> captures;
+    Counters counters;
 
-    std::atomic<bool> hasPicture_{false};
-    Event wake_{Event::Reset::Automatic};
-    Event room_{Event::Reset::Manual, true};
-    Event ready_{Event::Reset::Manual, true};
+    std::atomic<bool> hasPicture{false};
+    Event wake{Event::Reset::Automatic};
+    Event room{Event::Reset::Manual, true};
+    Event ready{Event::Reset::Manual, true};
 };
 
 } // namespace brindlecast

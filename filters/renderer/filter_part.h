@@ -12,18 +12,18 @@ public:
     FilterPart(const FilterPart&) = delete;
     FilterPart& operator=(const FilterPart&) = delete;
 
-    STDMETHODIMP QueryInterface(REFIID iid, void** out) override { return filter_.QueryInterface(iid, out); }
-    STDMETHODIMP_(ULONG) AddRef() override { return filter_.AddRef(); }
-    STDMETHODIMP_(ULONG) Release() override { return filter_.Release(); }
+    STDMETHODIMP QueryInterface(REFIID iid, void** out) override { return filter.QueryInterface(iid, out); }
+    STDMETHODIMP_(ULONG) AddRef() override { return filter.AddRef(); }
+    STDMETHODIMP_(ULONG) Release() override { return filter.Release(); }
 
 protected:
-    explicit FilterPart(BaseFilter& filter) : filter_(filter) {}
+    explicit FilterPart(BaseFilter& theFilter) : filter(theFilter) {}
     ~FilterPart() = default;
 
-    [[nodiscard]] BaseFilter& Filter() const noexcept { return filter_; }
+    [[nodiscard]] BaseFilter& Filter() const noexcept { return filter; }
 
 private:
-    BaseFilter& filter_;
+    BaseFilter& filter;
 };
 
 // The same for a dual interface; calls by name are not offered.

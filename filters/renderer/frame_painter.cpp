@@ -81,48 +81,48 @@ bool Covers(const PictureRect& rect, PictureSize size) {
 
 } // namespace
 
-FramePainter::FramePainter(std::shared_ptr<WindowSlot> window, SubtitleLink& subtitles,
-                           PresenterFactory factory)
-    : window_(std::move(window)), subtitles_(subtitles), factory_(std::move(factory)) {}
+FramePainter::FramePainter(std::shared_ptr<WindowSlot> window, SubtitleLink& theSubtitles,
+                           PresenterFactory theFactory)
+    : windowSlot(std::move(window)), subtitles(theSubtitles), factory(std::move(theFactory)) {}
 
 FramePainter::~FramePainter() {
-    subtitles_.DeviceGone();
-    presenter_.reset();
-    slots_ = {};
-    if (resources_ != nullptr) {
-        resources_->Device().context->ClearState();
-        resources_->Device().context->Flush();
-        KeepResources(std::move(resources_));
+    subtitles.DeviceGone();
+    presenter.reset();
+    slots = {};
+    if (resources != nullptr) {
+        resources->Device().context->ClearState();
+        resources->Device().context->Flush();
+        KeepResources(std::move(resources));
     }
 }
 
 HRESULT FramePainter::EnsureDevice() {
-    if (resources_ != nullptr) {
+    if (resources != nullptr) {
         return S_OK;
     }
-    if (deviceFailed_ && GetTickCount64() < nextAttempt_) {
+    if (deviceFailed && GetTickCount64() < nextAttempt) {
         return E_FAIL;
     }
     HRESULT result = S_OK;
-    resources_ = TakeKeptResources();
-    if (resources_ == nullptr) {
-        resources_ = RenderResources::Create(&result);
+    resources = TakeKeptResources();
+    if (resources == nullptr) {
+        resources = RenderResources::Create(&result);
     }
-    deviceFailed_ = FAILED(result);
-    nextAttempt_ = GetTickCount64() + kRetryMilliseconds;
+    deviceFailed = FAILED(result);
+    nextAttempt = GetTickCount64() + kRetryMilliseconds;
     return result;
 }
 
 void FramePainter::LoseDevice() {
-    subtitles_.DeviceGone();
-    presenter_.reset();
-    presenterWindow_ = nullptr;
-    for (Slot& slot : slots_) {
+    subtitles.DeviceGone();
+    presenter.reset();
+    presenterWindow = nullptr;
+    for (Slot& slot : slots) {
         slot.textures.Reset();
         slot.picture.reset();
     }
-    drawn_.reset();
-    resources_.reset();
+    drawn = {};
+    resources.reset();
 }
 
 template <class Action>
@@ -144,21 +144,21 @@ HRESULT FramePainter::WithDevice(Action&& action) {
 void FramePainter::WarmUp() {
     if (SUCCEEDED(EnsureDevice())) {
         // The commonest shader is compiled now as well.
-        static_cast<void>(resources_->BindPictureShader(PixelFormat::kNv12, 1, {}));
+        static_cast<void>(resources->BindPictureShader(PixelFormat::kNv12, 1, {}));
     }
 }
 
 HRESULT FramePainter::SlotFor(const PicturePtr& picture, Slot** out) {
-    for (Slot& slot : slots_) {
+    for (Slot& slot : slots) {
         if (slot.picture == picture) {
             *out = &slot;
             return S_OK;
         }
     }
     // Never the slot of the last picture, which a redraw may need.
-    Slot& slot = slots_[0].picture == shown_ && shown_ != nullptr ? slots_[1] : slots_[0];
+    Slot& slot = slots[0].picture == shown && shown != nullptr ? slots[1] : slots[0];
     slot.picture.reset();
-    const HRESULT result = slot.textures.Upload(resources_->Device(), *picture);
+    const HRESULT result = slot.textures.Upload(resources->Device(), *picture);
     if (SUCCEEDED(result)) {
         slot.picture = picture;
         *out = &slot;
@@ -168,7 +168,7 @@ HRESULT FramePainter::SlotFor(const PicturePtr& picture, Slot** out) {
 
 HRESULT FramePainter::DrawPicture(const Slot& slot, ID3D11RenderTargetView* target, PictureSize size,
                                   const PictureRect& destination, const Look& look) {
-    ID3D11DeviceContext* const context = resources_->Device().context.Get();
+    ID3D11DeviceContext* const context = resources->Device().context.Get();
     context->OMSetRenderTargets(1, &target, nullptr);
     if (!Covers(destination, size)) {
         static constexpr float kBlack[4] = {0, 0, 0, 1};
@@ -194,8 +194,8 @@ HRESULT FramePainter::DrawPicture(const Slot& slot, ID3D11RenderTargetView* targ
     constants.footprint[0] = extentU / static_cast<float>(outputU);
     constants.footprint[1] = extentV / static_cast<float>(outputV);
 
-    resources_->BindCommon();
-    const HRESULT result = resources_->BindPictureShader(picture.format.memory.format, taps, constants);
+    resources->BindCommon();
+    const HRESULT result = resources->BindPictureShader(picture.format.memory.format, taps, constants);
     if (FAILED(result)) {
         return result;
     }
@@ -203,7 +203,7 @@ HRESULT FramePainter::DrawPicture(const Slot& slot, ID3D11RenderTargetView* targ
     SetViewport(context, destination);
     QuadVertex corners[4];
     FillCorners(orientation, part, corners);
-    return resources_->DrawQuad(corners);
+    return resources->DrawQuad(corners);
 }
 
 void FramePainter::DrawSubtitles(const Picture& picture, PictureSize size, const PictureRect& destination) {
@@ -217,60 +217,75 @@ void FramePainter::DrawSubtitles(const Picture& picture, PictureSize size, const
     frame.video = ToRect(destination);
     frame.originalVideo = {0, 0, upright.width, upright.height};
     frame.viewport = {0, 0, size.width, size.height};
-    subtitles_.Render(resources_->Device().device.Get(), frame, [&] {
-        resources_->BindCommon();
-        resources_->BindCopyShader();
-        SetViewport(resources_->Device().context.Get(), {0, 0, size.width, size.height});
+    subtitles.Render(resources->Device().device.Get(), frame, [&] {
+        resources->BindCommon();
+        resources->BindCopyShader();
+        SetViewport(resources->Device().context.Get(), {0, 0, size.width, size.height});
     });
 }
 
-HRESULT FramePainter::DrawToWindow(const PicturePtr& picture, const Look& look) {
-    const HWND window = window_->Get();
+// Without a window, or one that shows nothing, a side is 0.
+PictureSize FramePainter::WindowSize() const {
+    const HWND window = windowSlot->Get();
     RECT client{};
-    if (window == nullptr || !GetClientRect(window, &client) || client.right < 1 || client.bottom < 1) {
+    if (window == nullptr || !GetClientRect(window, &client)) {
+        return {};
+    }
+    return {client.right, client.bottom};
+}
+
+bool FramePainter::IsDrawn(const PicturePtr& picture, const Look& look) const {
+    return drawn.picture == picture && drawn.look == look && drawn.size == WindowSize() &&
+           presenterWindow == windowSlot->Get();
+}
+
+HRESULT FramePainter::DrawToWindow(const PicturePtr& picture, const Look& look) {
+    const HWND window = windowSlot->Get();
+    const PictureSize size = WindowSize();
+    if (size.width < 1 || size.height < 1) {
         return S_FALSE;
     }
-    if (presenter_ == nullptr || presenterWindow_ != window) {
-        presenter_.reset(); // a window takes one swap chain at a time
-        presenter_ = factory_(resources_->Device(), window_);
-        presenterWindow_ = window;
+    if (presenter == nullptr || presenterWindow != window) {
+        presenter.reset(); // a window takes one swap chain at a time
+        presenter = factory(resources->Device(), windowSlot);
+        presenterWindow = window;
     }
-    const PictureSize size{client.right, client.bottom};
     const PictureRect destination = DestinationIn(look, size);
     Slot* slot = nullptr;
     HRESULT result = SlotFor(picture, &slot);
     ID3D11RenderTargetView* target = nullptr;
     if (SUCCEEDED(result)) {
-        result = presenter_->Begin(size, &target);
+        result = presenter->Begin(size, &target);
     }
     if (SUCCEEDED(result)) {
         result = DrawPicture(*slot, target, size, destination, look);
     }
     if (SUCCEEDED(result)) {
         DrawSubtitles(*picture, size, destination);
-        result = presenter_->Finish();
+        result = presenter->Finish();
     }
-    drawn_ = SUCCEEDED(result) ? picture : nullptr;
+    drawn = SUCCEEDED(result) ? Drawn{picture, look, size} : Drawn{};
     return result;
 }
 
 void FramePainter::Prepare(const PicturePtr& picture, const Look& look) {
-    if (drawn_ != picture) {
+    if (!IsDrawn(picture, look)) {
         static_cast<void>(WithDevice([&] { return DrawToWindow(picture, look); }));
     }
 }
 
 HRESULT FramePainter::Show(const PicturePtr& picture, const Look& look) {
     const HRESULT result = WithDevice([&] {
-        HRESULT drawn = S_OK;
-        if (drawn_ != picture) {
-            drawn = DrawToWindow(picture, look);
+        HRESULT outcome = S_OK;
+        if (!IsDrawn(picture, look)) {
+            outcome = DrawToWindow(picture, look);
         }
-        drawn_.reset();
-        return drawn == S_OK ? presenter_->Show() : drawn;
+        drawn = {};
+        return outcome == S_OK ? presenter->Show() : outcome;
     });
-    shown_ = picture;
-    for (Slot& slot : slots_) {
+    shown = picture;
+    shownLook = look;
+    for (Slot& slot : slots) {
         if (slot.picture != picture) {
             slot.picture.reset(); // gives the older frame's memory back; its textures stay for the next one
         }
@@ -279,15 +294,15 @@ HRESULT FramePainter::Show(const PicturePtr& picture, const Look& look) {
 }
 
 HRESULT FramePainter::Redraw(const Look& look) {
-    if (shown_ == nullptr) {
+    if (shown == nullptr) {
         return S_FALSE;
     }
-    drawn_.reset();
-    return Show(PicturePtr(shown_), look);
+    drawn = {};
+    return Show(PicturePtr(shown), look);
 }
 
 HRESULT FramePainter::ReadTarget(ID3D11Texture2D* target, CapturedImage* out) {
-    const D3dDevice& device = resources_->Device();
+    const D3dDevice& device = resources->Device();
     ComPtr<ID3D11Texture2D> readable;
     HRESULT result = MakeReadableTexture(device.device.Get(), out->size, readable.GetAddressOf());
     if (FAILED(result)) {
@@ -310,19 +325,17 @@ HRESULT FramePainter::ReadTarget(ID3D11Texture2D* target, CapturedImage* out) {
 }
 
 HRESULT FramePainter::Capture(CaptureKind kind, const Look& look, CapturedImage* out) {
-    if (shown_ == nullptr) {
+    if (shown == nullptr) {
         return E_ABORT;
     }
-    Look used = look;
-    out->size = UprightSize(*shown_, TotalOrientation(*shown_, look).rotation);
+    Look used = kind == CaptureKind::kWindow ? shownLook : look;
     if (kind == CaptureKind::kWindow) {
-        RECT client{};
-        const HWND window = window_->Get();
-        if (window == nullptr || !GetClientRect(window, &client) || client.right < 1 || client.bottom < 1) {
+        out->size = WindowSize();
+        if (out->size.width < 1 || out->size.height < 1) {
             return E_ABORT;
         }
-        out->size = {client.right, client.bottom};
     } else {
+        out->size = UprightSize(*shown, TotalOrientation(*shown, look).rotation);
         used.destination.reset();
         used.source.reset();
     }
@@ -330,10 +343,10 @@ HRESULT FramePainter::Capture(CaptureKind kind, const Look& look, CapturedImage*
         ComPtr<ID3D11Texture2D> target;
         ComPtr<ID3D11RenderTargetView> view;
         Slot* slot = nullptr;
-        HRESULT result = MakeTargetTexture(resources_->Device().device.Get(), out->size,
-                                           target.GetAddressOf(), view.GetAddressOf());
+        HRESULT result = MakeTargetTexture(resources->Device().device.Get(), out->size, target.GetAddressOf(),
+                                           view.GetAddressOf());
         if (SUCCEEDED(result)) {
-            result = SlotFor(shown_, &slot);
+            result = SlotFor(shown, &slot);
         }
         const PictureRect destination = DestinationIn(used, out->size);
         if (SUCCEEDED(result)) {
@@ -341,31 +354,31 @@ HRESULT FramePainter::Capture(CaptureKind kind, const Look& look, CapturedImage*
         }
         // The callback makes its pictures for the window's size; another size would empty its store.
         if (SUCCEEDED(result) && kind == CaptureKind::kWindow) {
-            DrawSubtitles(*shown_, out->size, destination);
+            DrawSubtitles(*shown, out->size, destination);
         }
         return SUCCEEDED(result) ? ReadTarget(target.Get(), out) : result;
     });
 }
 
 void FramePainter::KeepCopies() {
-    if (shown_ != nullptr) {
-        auto bytes = std::make_shared<std::vector<std::uint8_t>>(shown_->data, shown_->data + shown_->bytes);
-        auto copy = std::make_shared<Picture>(*shown_);
+    if (shown != nullptr) {
+        auto bytes = std::make_shared<std::vector<std::uint8_t>>(shown->data, shown->data + shown->bytes);
+        auto copy = std::make_shared<Picture>(*shown);
         copy->data = bytes->data();
         copy->owner = std::move(bytes);
-        for (Slot& slot : slots_) {
-            if (slot.picture == shown_) {
+        for (Slot& slot : slots) {
+            if (slot.picture == shown) {
                 slot.picture = copy;
             }
         }
-        shown_ = std::move(copy);
+        shown = std::move(copy);
     }
-    for (Slot& slot : slots_) {
-        if (slot.picture != shown_) {
+    for (Slot& slot : slots) {
+        if (slot.picture != shown) {
             slot.picture.reset();
         }
     }
-    drawn_.reset();
+    drawn = {};
 }
 
 } // namespace brindlecast

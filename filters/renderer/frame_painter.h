@@ -28,23 +28,25 @@ public:
         std::function<std::unique_ptr<Presenter>(const D3dDevice&, std::shared_ptr<WindowSlot>)>;
 
     // `factory` makes the presenter of a device; tests put their own in.
-    FramePainter(std::shared_ptr<WindowSlot> window, SubtitleLink& subtitles, PresenterFactory factory);
+    FramePainter(std::shared_ptr<WindowSlot> window, SubtitleLink& theSubtitles, PresenterFactory theFactory);
     ~FramePainter();
 
     // Makes the device when there is none, so that the first picture does not wait for it.
     void WarmUp();
-    // Uploads and draws a picture whose time has not come. Failures are met again, and handled, by Show.
+    // Uploads and draws a picture whose time has not come. Failures are met again, and handled, by Show;
+    // so is a look or a window that changes until then.
     void Prepare(const PicturePtr& picture, const Look& look);
     // Brings a picture to the screen; one that is prepared needs only to be shown. It becomes the last one.
     [[nodiscard]] HRESULT Show(const PicturePtr& picture, const Look& look);
     // Draws the last picture again.
     [[nodiscard]] HRESULT Redraw(const Look& look);
-    // What the window shows, with subtitles, or the last picture alone in its display size.
+    // What the window shows, with subtitles, as it was shown, or the last picture alone in its display size
+    // and the given look.
     enum class CaptureKind { kWindow, kPicture };
     [[nodiscard]] HRESULT Capture(CaptureKind kind, const Look& look, CapturedImage* out);
     // Replaces media samples by copies, so that their owner gets them back.
     void KeepCopies();
-    [[nodiscard]] bool HasPicture() const noexcept { return shown_ != nullptr; }
+    [[nodiscard]] bool HasPicture() const noexcept { return shown != nullptr; }
 
 private:
     struct Slot {
@@ -56,6 +58,8 @@ private:
     void LoseDevice();
     template <class Action>
     [[nodiscard]] HRESULT WithDevice(Action&& action);
+    [[nodiscard]] PictureSize WindowSize() const;
+    [[nodiscard]] bool IsDrawn(const PicturePtr& picture, const Look& look) const;
     [[nodiscard]] HRESULT DrawToWindow(const PicturePtr& picture, const Look& look);
     [[nodiscard]] HRESULT SlotFor(const PicturePtr& picture, Slot** out);
     [[nodiscard]] HRESULT DrawPicture(const Slot& slot, ID3D11RenderTargetView* target, PictureSize size,
@@ -63,17 +67,24 @@ private:
     void DrawSubtitles(const Picture& picture, PictureSize size, const PictureRect& destination);
     [[nodiscard]] HRESULT ReadTarget(ID3D11Texture2D* target, CapturedImage* out);
 
-    std::shared_ptr<WindowSlot> window_;
-    SubtitleLink& subtitles_;
-    PresenterFactory factory_;
-    std::unique_ptr<RenderResources> resources_;
-    std::unique_ptr<Presenter> presenter_;
-    HWND presenterWindow_ = nullptr;
-    std::array<Slot, 2> slots_;
-    PicturePtr shown_;
-    PicturePtr drawn_; // what Finish was called for and Show not yet
-    ULONGLONG nextAttempt_ = 0;
-    bool deviceFailed_ = false;
+    std::shared_ptr<WindowSlot> windowSlot;
+    SubtitleLink& subtitles;
+    PresenterFactory factory;
+    std::unique_ptr<RenderResources> resources;
+    std::unique_ptr<Presenter> presenter;
+    HWND presenterWindow = nullptr;
+    std::array<Slot, 2> slots;
+    PicturePtr shown;
+    Look shownLook;
+    // What Finish was called for and Show not yet; no picture: nothing.
+    struct Drawn {
+        PicturePtr picture;
+        Look look;
+        PictureSize size; // of the window
+    };
+    Drawn drawn;
+    ULONGLONG nextAttempt = 0;
+    bool deviceFailed = false;
 };
 
 } // namespace brindlecast

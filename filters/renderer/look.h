@@ -16,25 +16,26 @@ struct Look {
     std::optional<PictureRect> source;
     // The options "rotation" (normalised) and "flip".
     Orientation orientation;
+    bool operator==(const Look&) const = default;
 };
 
 // The look, set from the application's threads and read by the drawing thread.
 class SharedLook {
 public:
     [[nodiscard]] Look Get() const {
-        const std::lock_guard lock(mutex_);
-        return look_;
+        const std::lock_guard lock(mutex);
+        return look;
     }
     // Calls `change(look)` with the look locked.
     template <class Change>
     void Edit(Change&& change) {
-        const std::lock_guard lock(mutex_);
-        change(look_);
+        const std::lock_guard lock(mutex);
+        change(look);
     }
 
 private:
-    mutable std::mutex mutex_;
-    Look look_;
+    mutable std::mutex mutex;
+    Look look;
 };
 
 } // namespace brindlecast

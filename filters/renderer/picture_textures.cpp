@@ -77,7 +77,7 @@ HRESULT PictureTextures::Upload(const D3dDevice& device, const Picture& picture)
         return E_INVALIDARG;
     }
     for (int i = 0; i < layout.planeCount; ++i) {
-        Plane& plane = planes_[static_cast<std::size_t>(i)];
+        Plane& plane = planes[static_cast<std::size_t>(i)];
         const PicturePlane& from = layout.planes[static_cast<std::size_t>(i)];
         if (plane.texture == nullptr || !SameTexture(plane.shape, from)) {
             if (const HRESULT result = MakePlane(device.device.Get(), from, &plane); FAILED(result)) {
@@ -88,20 +88,20 @@ HRESULT PictureTextures::Upload(const D3dDevice& device, const Picture& picture)
             return result;
         }
     }
-    for (std::size_t i = static_cast<std::size_t>(layout.planeCount); i < planes_.size(); ++i) {
-        planes_[i] = {};
+    for (std::size_t i = static_cast<std::size_t>(layout.planeCount); i < planes.size(); ++i) {
+        planes[i] = {};
     }
     return S_OK;
 }
 
 void PictureTextures::Bind(ID3D11DeviceContext* context) const {
-    ID3D11ShaderResourceView* const views[] = {planes_[0].view.Get(), planes_[1].view.Get(),
-                                               planes_[2].view.Get()};
+    ID3D11ShaderResourceView* const views[] = {planes[0].view.Get(), planes[1].view.Get(),
+                                               planes[2].view.Get()};
     context->PSSetShaderResources(0, 3, views);
 }
 
 void PictureTextures::Reset() {
-    planes_ = {};
+    planes = {};
 }
 
 } // namespace brindlecast

@@ -26,7 +26,7 @@ private:
     [[nodiscard]] static HRESULT Fill(ID3D11DeviceContext* context, const Plane& plane,
                                       const PicturePlane& from, const std::uint8_t* data);
 
-    std::array<Plane, 3> planes_;
+    std::array<Plane, 3> planes;
 };
 
 } // namespace brindlecast

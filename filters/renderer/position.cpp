@@ -48,15 +48,19 @@ STDMETHODIMP PositionSeeking::GetCurrentPosition(LONGLONG* current) {
     if (current == nullptr) {
         return E_POINTER;
     }
-    if (!input_.IsConnected()) {
+    if (!input.IsConnected()) {
         return E_NOTIMPL; // graphs pass over a filter that answers so
     }
     // A stopped graph may have been given a new place that no picture has followed yet.
-    if (filter_.State() == State_Stopped && UpstreamSeeking::GetCurrentPosition(current) == S_OK) {
+    if (filter.State() == State_Stopped && UpstreamSeeking::GetCurrentPosition(current) == S_OK) {
         return S_OK;
     }
-    *current = core_.Drawing().Position();
-    return S_OK;
+    if (const std::optional<std::int64_t> position = core.Drawing().Position()) {
+        *current = *position;
+        return S_OK;
+    }
+    // After a seek the new segment comes on the streaming thread; until then only the source knows the place.
+    return UpstreamSeeking::GetCurrentPosition(current);
 }
 
 STDMETHODIMP PositionSeeking::GetPositions(LONGLONG* current, LONGLONG* stop) {

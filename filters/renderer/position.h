@@ -10,12 +10,12 @@ namespace brindlecast {
 // 100 ns units only.
 class PositionSeeking final : public UpstreamSeeking {
 public:
-    PositionSeeking(BaseFilter& filter, BasePin& input, RendererCore& core)
-        : filter_(filter), input_(input), core_(core) {}
+    PositionSeeking(BaseFilter& theFilter, BasePin& theInput, RendererCore& theCore)
+        : filter(theFilter), input(theInput), core(theCore) {}
 
-    STDMETHODIMP QueryInterface(REFIID iid, void** out) override { return filter_.QueryInterface(iid, out); }
-    STDMETHODIMP_(ULONG) AddRef() override { return filter_.AddRef(); }
-    STDMETHODIMP_(ULONG) Release() override { return filter_.Release(); }
+    STDMETHODIMP QueryInterface(REFIID iid, void** out) override { return filter.QueryInterface(iid, out); }
+    STDMETHODIMP_(ULONG) AddRef() override { return filter.AddRef(); }
+    STDMETHODIMP_(ULONG) Release() override { return filter.Release(); }
 
     STDMETHODIMP GetCapabilities(DWORD* capabilities) override;
     STDMETHODIMP IsFormatSupported(const GUID* format) override;
@@ -27,11 +27,11 @@ public:
     STDMETHODIMP GetPositions(LONGLONG* current, LONGLONG* stop) override;
 
 private:
-    [[nodiscard]] Microsoft::WRL::ComPtr<IPin> UpstreamPin() override { return input_.Peer(); }
+    [[nodiscard]] Microsoft::WRL::ComPtr<IPin> UpstreamPin() override { return input.Peer(); }
 
-    BaseFilter& filter_;
-    BasePin& input_;
-    RendererCore& core_;
+    BaseFilter& filter;
+    BasePin& input;
+    RendererCore& core;
 };
 
 } // namespace brindlecast

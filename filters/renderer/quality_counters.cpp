@@ -13,7 +13,7 @@ HRESULT QualityCounters::Answer(int* value, Read&& read) {
     if (value == nullptr) {
         return E_POINTER;
     }
-    *value = static_cast<int>(read(core_.Drawing().Count()));
+    *value = static_cast<int>(read(core.Drawing().Count()));
     return S_OK;
 }
 

@@ -10,7 +10,7 @@ namespace brindlecast {
 // IQualProp: how well frames meet their time, since the filter last left the stopped state.
 class QualityCounters final : public FilterPart<IQualProp> {
 public:
-    QualityCounters(BaseFilter& filter, RendererCore& core) : FilterPart(filter), core_(core) {}
+    QualityCounters(BaseFilter& theFilter, RendererCore& theCore) : FilterPart(theFilter), core(theCore) {}
 
     STDMETHODIMP get_FramesDroppedInRenderer(int* frames) override;
     STDMETHODIMP get_FramesDrawn(int* frames) override;
@@ -25,7 +25,7 @@ private:
     template <class Read>
     [[nodiscard]] HRESULT Answer(int* value, Read&& read);
 
-    RendererCore& core_;
+    RendererCore& core;
 };
 
 } // namespace brindlecast

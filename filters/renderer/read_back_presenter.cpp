@@ -53,50 +53,51 @@ HRESULT MakeTargetTexture(ID3D11Device* device, PictureSize size, ID3D11Texture2
     return SUCCEEDED(result) ? device->CreateRenderTargetView(*texture, nullptr, view) : result;
 }
 
-ReadBackPresenter::ReadBackPresenter(const D3dDevice& device, std::shared_ptr<WindowSlot> window)
-    : device_(device), window_(std::move(window)) {}
+ReadBackPresenter::ReadBackPresenter(const D3dDevice& theDevice, std::shared_ptr<WindowSlot> window)
+    : device(theDevice), windowSlot(std::move(window)) {}
 
 HRESULT ReadBackPresenter::MakeTextures(PictureSize size) {
-    size_ = {};
-    view_.Reset();
-    ID3D11Device* const device = device_.device.Get();
-    HRESULT result = MakeTargetTexture(device, size, target_.ReleaseAndGetAddressOf(), view_.GetAddressOf());
-    for (auto& texture : memory_) {
+    textureSize = {};
+    view.Reset();
+    ID3D11Device* const d3d11 = device.device.Get();
+    HRESULT result =
+        MakeTargetTexture(d3d11, size, targetTexture.ReleaseAndGetAddressOf(), view.GetAddressOf());
+    for (auto& texture : memory) {
         if (SUCCEEDED(result)) {
-            result = MakeReadableTexture(device, size, texture.ReleaseAndGetAddressOf());
+            result = MakeReadableTexture(d3d11, size, texture.ReleaseAndGetAddressOf());
         }
     }
     if (SUCCEEDED(result)) {
-        size_ = size;
+        textureSize = size;
     }
     return result;
 }
 
 HRESULT ReadBackPresenter::Begin(PictureSize size, ID3D11RenderTargetView** target) {
-    if (size != size_) {
+    if (size != textureSize) {
         if (const HRESULT result = MakeTextures(size); FAILED(result)) {
             return result;
         }
     }
-    *target = view_.Get();
+    *target = view.Get();
     return S_OK;
 }
 
 HRESULT ReadBackPresenter::Finish() {
-    current_ = 1 - current_;
-    device_.context->CopyResource(memory_[current_].Get(), target_.Get());
-    device_.context->Flush();
+    current = 1 - current;
+    device.context->CopyResource(memory[current].Get(), targetTexture.Get());
+    device.context->Flush();
     return S_OK;
 }
 
 HRESULT ReadBackPresenter::Show() {
     D3D11_MAPPED_SUBRESOURCE rows{};
-    const HRESULT result = device_.context->Map(memory_[current_].Get(), 0, D3D11_MAP_READ, 0, &rows);
+    const HRESULT result = device.context->Map(memory[current].Get(), 0, D3D11_MAP_READ, 0, &rows);
     if (FAILED(result)) {
         return result;
     }
-    const bool shown = window_->Use([&](HWND window) { DrawRows(window, rows, size_); });
-    device_.context->Unmap(memory_[current_].Get(), 0);
+    const bool shown = windowSlot->Use([&](HWND window) { DrawRows(window, rows, textureSize); });
+    device.context->Unmap(memory[current].Get(), 0);
     if (RunsUnderWine()) {
         // Wine gathers what is drawn and brings it out when a thread asks for messages; this one has none.
         MSG message;

@@ -10,7 +10,7 @@ namespace brindlecast {
 // wait for one picture overlaps with the drawing of the next.
 class ReadBackPresenter final : public Presenter {
 public:
-    ReadBackPresenter(const D3dDevice& device, std::shared_ptr<WindowSlot> window);
+    ReadBackPresenter(const D3dDevice& theDevice, std::shared_ptr<WindowSlot> window);
 
     HRESULT Begin(PictureSize size, ID3D11RenderTargetView** target) override;
     HRESULT Finish() override;
@@ -19,13 +19,13 @@ public:
 private:
     [[nodiscard]] HRESULT MakeTextures(PictureSize size);
 
-    D3dDevice device_;
-    std::shared_ptr<WindowSlot> window_;
-    PictureSize size_;
-    ComPtr<ID3D11Texture2D> target_;
-    ComPtr<ID3D11RenderTargetView> view_;
-    std::array<ComPtr<ID3D11Texture2D>, 2> memory_;
-    std::size_t current_ = 0;
+    D3dDevice device;
+    std::shared_ptr<WindowSlot> windowSlot;
+    PictureSize textureSize;
+    ComPtr<ID3D11Texture2D> targetTexture;
+    ComPtr<ID3D11RenderTargetView> view;
+    std::array<ComPtr<ID3D11Texture2D>, 2> memory;
+    std::size_t current = 0;
 };
 
 // A texture that the processor reads, in the format of every target here (B8G8R8A8).

@@ -55,30 +55,30 @@ std::unique_ptr<RenderResources> RenderResources::Create(HRESULT* failure) {
 }
 
 HRESULT RenderResources::Initialize() {
-    if (const HRESULT result = CreateD3dDevice(&device_); FAILED(result)) {
+    if (const HRESULT result = CreateD3dDevice(&device); FAILED(result)) {
         return result;
     }
     ComPtr<ID3DBlob> code;
     if (const HRESULT result = Compile(VertexShaderSource(), "vs_4_0", code.GetAddressOf()); FAILED(result)) {
         return result;
     }
-    ID3D11Device* const device = device_.device.Get();
-    HRESULT result = device->CreateVertexShader(code->GetBufferPointer(), code->GetBufferSize(), nullptr,
-                                                vertexShader_.GetAddressOf());
+    ID3D11Device* const d3d11 = device.device.Get();
+    HRESULT result = d3d11->CreateVertexShader(code->GetBufferPointer(), code->GetBufferSize(), nullptr,
+                                               vertexShader.GetAddressOf());
     static constexpr D3D11_INPUT_ELEMENT_DESC kElements[] = {
         {"POSITION", 0, DXGI_FORMAT_R32G32B32_FLOAT, 0, 0, D3D11_INPUT_PER_VERTEX_DATA, 0},
         {"TEXCOORD", 0, DXGI_FORMAT_R32G32_FLOAT, 0, 12, D3D11_INPUT_PER_VERTEX_DATA, 0},
     };
     if (SUCCEEDED(result)) {
-        result = device->CreateInputLayout(kElements, 2, code->GetBufferPointer(), code->GetBufferSize(),
-                                           inputLayout_.GetAddressOf());
+        result = d3d11->CreateInputLayout(kElements, 2, code->GetBufferPointer(), code->GetBufferSize(),
+                                          inputLayout.GetAddressOf());
     }
     if (SUCCEEDED(result)) {
         result = Compile(CopyShaderSource(), "ps_4_0", code.ReleaseAndGetAddressOf());
     }
     if (SUCCEEDED(result)) {
-        result = device->CreatePixelShader(code->GetBufferPointer(), code->GetBufferSize(), nullptr,
-                                           copyShader_.GetAddressOf());
+        result = d3d11->CreatePixelShader(code->GetBufferPointer(), code->GetBufferSize(), nullptr,
+                                          copyShader.GetAddressOf());
     }
     if (SUCCEEDED(result)) {
         result = CreateStates();
@@ -87,20 +87,20 @@ HRESULT RenderResources::Initialize() {
 }
 
 HRESULT RenderResources::CreateStates() {
-    ID3D11Device* const device = device_.device.Get();
-    D3D11_SAMPLER_DESC sampler{};
-    sampler.Filter = D3D11_FILTER_MIN_MAG_MIP_LINEAR;
-    sampler.AddressU = sampler.AddressV = sampler.AddressW = D3D11_TEXTURE_ADDRESS_CLAMP;
-    sampler.ComparisonFunc = D3D11_COMPARISON_NEVER;
-    sampler.MaxLOD = FLT_MAX;
-    HRESULT result = device->CreateSamplerState(&sampler, sampler_.GetAddressOf());
+    ID3D11Device* const d3d11 = device.device.Get();
+    D3D11_SAMPLER_DESC samplerState{};
+    samplerState.Filter = D3D11_FILTER_MIN_MAG_MIP_LINEAR;
+    samplerState.AddressU = samplerState.AddressV = samplerState.AddressW = D3D11_TEXTURE_ADDRESS_CLAMP;
+    samplerState.ComparisonFunc = D3D11_COMPARISON_NEVER;
+    samplerState.MaxLOD = FLT_MAX;
+    HRESULT result = d3d11->CreateSamplerState(&samplerState, sampler.GetAddressOf());
 
-    D3D11_RASTERIZER_DESC rasterizer{};
-    rasterizer.FillMode = D3D11_FILL_SOLID;
-    rasterizer.CullMode = D3D11_CULL_NONE;
-    rasterizer.DepthClipEnable = TRUE;
+    D3D11_RASTERIZER_DESC rasterizerState{};
+    rasterizerState.FillMode = D3D11_FILL_SOLID;
+    rasterizerState.CullMode = D3D11_CULL_NONE;
+    rasterizerState.DepthClipEnable = TRUE;
     if (SUCCEEDED(result)) {
-        result = device->CreateRasterizerState(&rasterizer, rasterizer_.GetAddressOf());
+        result = d3d11->CreateRasterizerState(&rasterizerState, rasterizer.GetAddressOf());
     }
     D3D11_BLEND_DESC blend{};
     blend.RenderTarget[0].SrcBlend = blend.RenderTarget[0].SrcBlendAlpha = D3D11_BLEND_ONE;
@@ -108,7 +108,7 @@ HRESULT RenderResources::CreateStates() {
     blend.RenderTarget[0].BlendOp = blend.RenderTarget[0].BlendOpAlpha = D3D11_BLEND_OP_ADD;
     blend.RenderTarget[0].RenderTargetWriteMask = D3D11_COLOR_WRITE_ENABLE_ALL;
     if (SUCCEEDED(result)) {
-        result = device->CreateBlendState(&blend, opaque_.GetAddressOf());
+        result = d3d11->CreateBlendState(&blend, opaque.GetAddressOf());
     }
     D3D11_DEPTH_STENCIL_DESC depth{};
     depth.DepthFunc = D3D11_COMPARISON_ALWAYS;
@@ -116,42 +116,42 @@ HRESULT RenderResources::CreateStates() {
                        D3D11_COMPARISON_ALWAYS};
     depth.BackFace = depth.FrontFace;
     if (SUCCEEDED(result)) {
-        result = device->CreateDepthStencilState(&depth, noDepth_.GetAddressOf());
+        result = d3d11->CreateDepthStencilState(&depth, noDepth.GetAddressOf());
     }
     return result;
 }
 
 HRESULT RenderResources::CreateBuffers() {
-    ID3D11Device* const device = device_.device.Get();
+    ID3D11Device* const d3d11 = device.device.Get();
     const HRESULT result =
-        DynamicBuffer(device, 4 * sizeof(QuadVertex), D3D11_BIND_VERTEX_BUFFER, vertices_.GetAddressOf());
+        DynamicBuffer(d3d11, 4 * sizeof(QuadVertex), D3D11_BIND_VERTEX_BUFFER, vertices.GetAddressOf());
     if (FAILED(result)) {
         return result;
     }
-    return DynamicBuffer(device, sizeof(PictureConstants), D3D11_BIND_CONSTANT_BUFFER,
-                         constants_.GetAddressOf());
+    return DynamicBuffer(d3d11, sizeof(PictureConstants), D3D11_BIND_CONSTANT_BUFFER,
+                         constants.GetAddressOf());
 }
 
 void RenderResources::BindCommon() {
-    ID3D11DeviceContext* const context = device_.context.Get();
-    context->IASetInputLayout(inputLayout_.Get());
+    ID3D11DeviceContext* const context = device.context.Get();
+    context->IASetInputLayout(inputLayout.Get());
     context->IASetPrimitiveTopology(D3D11_PRIMITIVE_TOPOLOGY_TRIANGLESTRIP);
-    context->VSSetShader(vertexShader_.Get(), nullptr, 0);
+    context->VSSetShader(vertexShader.Get(), nullptr, 0);
     context->GSSetShader(nullptr, nullptr, 0);
-    context->PSSetSamplers(0, 1, sampler_.GetAddressOf());
-    context->RSSetState(rasterizer_.Get());
-    context->OMSetBlendState(opaque_.Get(), nullptr, 0xFFFFFFFF);
-    context->OMSetDepthStencilState(noDepth_.Get(), 0);
+    context->PSSetSamplers(0, 1, sampler.GetAddressOf());
+    context->RSSetState(rasterizer.Get());
+    context->OMSetBlendState(opaque.Get(), nullptr, 0xFFFFFFFF);
+    context->OMSetDepthStencilState(noDepth.Get(), 0);
 }
 
 HRESULT RenderResources::PictureShader(PixelFormat format, int taps, ID3D11PixelShader** out) {
-    ComPtr<ID3D11PixelShader>& shader = pictureShaders_[{format, taps}];
+    ComPtr<ID3D11PixelShader>& shader = pictureShaders[{format, taps}];
     if (shader == nullptr) {
         ComPtr<ID3DBlob> code;
         HRESULT result = Compile(PictureShaderSource(format, taps), "ps_4_0", code.GetAddressOf());
         if (SUCCEEDED(result)) {
-            result = device_.device->CreatePixelShader(code->GetBufferPointer(), code->GetBufferSize(),
-                                                       nullptr, shader.GetAddressOf());
+            result = device.device->CreatePixelShader(code->GetBufferPointer(), code->GetBufferSize(),
+                                                      nullptr, shader.GetAddressOf());
         }
         if (FAILED(result)) {
             return result;
@@ -161,30 +161,31 @@ HRESULT RenderResources::PictureShader(PixelFormat format, int taps, ID3D11Pixel
     return S_OK;
 }
 
-HRESULT RenderResources::BindPictureShader(PixelFormat format, int taps, const PictureConstants& constants) {
+HRESULT RenderResources::BindPictureShader(PixelFormat format, int taps,
+                                           const PictureConstants& newConstants) {
     ID3D11PixelShader* shader = nullptr;
     HRESULT result = PictureShader(format, taps, &shader);
     if (SUCCEEDED(result)) {
-        result = Write(device_.context.Get(), constants_.Get(), constants);
+        result = Write(device.context.Get(), constants.Get(), newConstants);
     }
     if (SUCCEEDED(result)) {
-        device_.context->PSSetShader(shader, nullptr, 0);
-        device_.context->PSSetConstantBuffers(0, 1, constants_.GetAddressOf());
+        device.context->PSSetShader(shader, nullptr, 0);
+        device.context->PSSetConstantBuffers(0, 1, constants.GetAddressOf());
     }
     return result;
 }
 
 void RenderResources::BindCopyShader() {
-    device_.context->PSSetShader(copyShader_.Get(), nullptr, 0);
+    device.context->PSSetShader(copyShader.Get(), nullptr, 0);
 }
 
 HRESULT RenderResources::DrawQuad(const QuadVertex (&corners)[4]) {
-    const HRESULT result = Write(device_.context.Get(), vertices_.Get(), corners);
+    const HRESULT result = Write(device.context.Get(), vertices.Get(), corners);
     if (SUCCEEDED(result)) {
         const UINT stride = sizeof(QuadVertex);
         const UINT offset = 0;
-        device_.context->IASetVertexBuffers(0, 1, vertices_.GetAddressOf(), &stride, &offset);
-        device_.context->Draw(4, 0);
+        device.context->IASetVertexBuffers(0, 1, vertices.GetAddressOf(), &stride, &offset);
+        device.context->Draw(4, 0);
     }
     return result;
 }

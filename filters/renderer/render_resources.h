@@ -28,13 +28,14 @@ public:
     // Makes a device and its resources; null with the reason in `*failure`.
     [[nodiscard]] static std::unique_ptr<RenderResources> Create(HRESULT* failure);
 
-    [[nodiscard]] const D3dDevice& Device() const noexcept { return device_; }
+    [[nodiscard]] const D3dDevice& Device() const noexcept { return device; }
 
     // Binds what a quad needs: vertex shader, input layout, sampler and states, so that nothing of what ran
     // before on the context is left.
     void BindCommon();
     // Binds the shader for a picture; compiles it on first use. The constants are written too.
-    [[nodiscard]] HRESULT BindPictureShader(PixelFormat format, int taps, const PictureConstants& constants);
+    [[nodiscard]] HRESULT BindPictureShader(PixelFormat format, int taps,
+                                            const PictureConstants& newConstants);
     // Binds the shader that samples one texture.
     void BindCopyShader();
     // Draws four corners (top left, top right, bottom left, bottom right) as one rectangle.
@@ -47,17 +48,17 @@ private:
     [[nodiscard]] HRESULT CreateBuffers();
     [[nodiscard]] HRESULT PictureShader(PixelFormat format, int taps, ID3D11PixelShader** out);
 
-    D3dDevice device_;
-    ComPtr<ID3D11VertexShader> vertexShader_;
-    ComPtr<ID3D11InputLayout> inputLayout_;
-    ComPtr<ID3D11PixelShader> copyShader_;
-    std::map<std::pair<PixelFormat, int>, ComPtr<ID3D11PixelShader>> pictureShaders_;
-    ComPtr<ID3D11SamplerState> sampler_;
-    ComPtr<ID3D11RasterizerState> rasterizer_;
-    ComPtr<ID3D11BlendState> opaque_;
-    ComPtr<ID3D11DepthStencilState> noDepth_;
-    ComPtr<ID3D11Buffer> vertices_;
-    ComPtr<ID3D11Buffer> constants_;
+    D3dDevice device;
+    ComPtr<ID3D11VertexShader> vertexShader;
+    ComPtr<ID3D11InputLayout> inputLayout;
+    ComPtr<ID3D11PixelShader> copyShader;
+    std::map<std::pair<PixelFormat, int>, ComPtr<ID3D11PixelShader>> pictureShaders;
+    ComPtr<ID3D11SamplerState> sampler;
+    ComPtr<ID3D11RasterizerState> rasterizer;
+    ComPtr<ID3D11BlendState> opaque;
+    ComPtr<ID3D11DepthStencilState> noDepth;
+    ComPtr<ID3D11Buffer> vertices;
+    ComPtr<ID3D11Buffer> constants;
 };
 
 } // namespace brindlecast

@@ -2,26 +2,25 @@
 
 namespace brindlecast {
 
-RendererCore::RendererCore(DrawingHost& host)
-    : window_(*this, slot_), drawing_(host, slot_, subtitles_, look_) {}
+RendererCore::RendererCore(DrawingHost& host) : window(*this, slot), drawing(host, slot, subtitles, look) {}
 
-void RendererCore::SetFormat(const std::optional<PictureFormat>& format) {
-    const std::lock_guard lock(formatMutex_);
-    format_ = format;
+void RendererCore::SetFormat(const std::optional<PictureFormat>& newFormat) {
+    const std::lock_guard lock(formatMutex);
+    format = newFormat;
 }
 
 std::optional<PictureFormat> RendererCore::Format() const {
-    const std::lock_guard lock(formatMutex_);
-    return format_;
+    const std::lock_guard lock(formatMutex);
+    return format;
 }
 
 std::optional<PictureSize> RendererCore::VideoSize() const {
-    const std::optional<PictureFormat> format = Format();
-    if (!format) {
+    const std::optional<PictureFormat> current = Format();
+    if (!current) {
         return std::nullopt;
     }
-    const int rotation = NormalizedRotation(containerRotation_.load() + look_.Get().orientation.rotation);
-    return DisplaySize(format->Size(), format->aspectX, format->aspectY, rotation);
+    const int rotation = NormalizedRotation(containerRotation.load() + look.Get().orientation.rotation);
+    return DisplaySize(current->Size(), current->aspectX, current->aspectY, rotation);
 }
 
 } // namespace brindlecast

@@ -17,36 +17,36 @@ class RendererCore final : public VideoWindowEvents {
 public:
     explicit RendererCore(DrawingHost& host);
 
-    [[nodiscard]] VideoWindow& Window() noexcept { return window_; }
-    [[nodiscard]] DrawingThread& Drawing() noexcept { return drawing_; }
-    [[nodiscard]] SubtitleLink& Subtitles() noexcept { return subtitles_; }
-    [[nodiscard]] SharedLook& TheLook() noexcept { return look_; }
+    [[nodiscard]] VideoWindow& Window() noexcept { return window; }
+    [[nodiscard]] DrawingThread& Drawing() noexcept { return drawing; }
+    [[nodiscard]] SubtitleLink& Subtitles() noexcept { return subtitles; }
+    [[nodiscard]] SharedLook& TheLook() noexcept { return look; }
 
     // The connection's format; nothing while the input is not connected.
-    void SetFormat(const std::optional<PictureFormat>& format);
+    void SetFormat(const std::optional<PictureFormat>& newFormat);
     [[nodiscard]] std::optional<PictureFormat> Format() const;
     [[nodiscard]] bool IsConnected() const { return Format().has_value(); }
 
-    void SetContainerRotation(int degrees) noexcept { containerRotation_ = degrees; }
-    [[nodiscard]] int ContainerRotation() const noexcept { return containerRotation_.load(); }
+    void SetContainerRotation(int degrees) noexcept { containerRotation = degrees; }
+    [[nodiscard]] int ContainerRotation() const noexcept { return containerRotation.load(); }
 
     // The upright size of the picture: sample aspect and both rotations applied. Nothing without a
     // connection.
     [[nodiscard]] std::optional<PictureSize> VideoSize() const;
 
     // VideoWindowEvents
-    void OnPaintNeeded() override { drawing_.RequestRedraw(); }
-    bool HasPicture() override { return drawing_.HasPicture(); }
+    void OnPaintNeeded() override { drawing.RequestRedraw(); }
+    bool HasPicture() override { return drawing.HasPicture(); }
 
 private:
-    const std::shared_ptr<WindowSlot> slot_ = std::make_shared<WindowSlot>();
-    SharedLook look_;
-    SubtitleLink subtitles_;
-    mutable std::mutex formatMutex_;
-    std::optional<PictureFormat> format_;
-    std::atomic<int> containerRotation_{0};
-    VideoWindow window_;
-    DrawingThread drawing_; // last: it ends before what it uses
+    const std::shared_ptr<WindowSlot> slot = std::make_shared<WindowSlot>();
+    SharedLook look;
+    SubtitleLink subtitles;
+    mutable std::mutex formatMutex;
+    std::optional<PictureFormat> format;
+    std::atomic<int> containerRotation{0};
+    VideoWindow window;
+    DrawingThread drawing; // last: it ends before what it uses
 };
 
 } // namespace brindlecast

@@ -7,40 +7,39 @@ namespace brindlecast {
 
 STDMETHODIMP SubtitleAccess::SetCallback11(ISubRender11Callback* callback) {
     return Guarded([&] {
-        core_.Subtitles().SetCallback(callback);
+        core.Subtitles().SetCallback(callback);
         return S_OK;
     });
 }
 
 RendererFilter::RendererFilter()
-    : BaseFilter(kClsidMpcVideoRenderer, AM_FILTER_MISC_FLAGS_IS_RENDERER), core_(*this),
-      input_(new RendererPin(*this, core_)), videoWindow_(*this, core_), basicVideo_(*this, core_),
-      seeking_(*this, *input_, core_), options_(*this, core_), subtitles_(*this, core_),
-      quality_(*this, core_) {
-    AddPin(std::unique_ptr<BasePin>(input_));
+    : BaseFilter(kClsidMpcVideoRenderer, AM_FILTER_MISC_FLAGS_IS_RENDERER), core(*this),
+      input(new RendererPin(*this, core)), videoWindow(*this, core), basicVideo(*this, core),
+      seeking(*this, *input, core), options(*this, core), subtitles(*this, core), quality(*this, core) {
+    AddPin(std::unique_ptr<BasePin>(input));
 }
 
 void* RendererFilter::FindInterface(REFIID iid) noexcept {
     if (iid == IID_IVideoWindow) {
-        return static_cast<IVideoWindow*>(&videoWindow_);
+        return static_cast<IVideoWindow*>(&videoWindow);
     }
     if (iid == IID_IBasicVideo) {
-        return static_cast<IBasicVideo*>(&basicVideo_);
+        return static_cast<IBasicVideo*>(&basicVideo);
     }
     if (iid == IID_IBasicVideo2) {
-        return static_cast<IBasicVideo2*>(&basicVideo_);
+        return static_cast<IBasicVideo2*>(&basicVideo);
     }
     if (iid == IID_IMediaSeeking) {
-        return static_cast<IMediaSeeking*>(&seeking_);
+        return static_cast<IMediaSeeking*>(&seeking);
     }
     if (iid == __uuidof(IExFilterConfig)) {
-        return static_cast<IExFilterConfig*>(&options_);
+        return static_cast<IExFilterConfig*>(&options);
     }
     if (iid == __uuidof(ISubRender11)) {
-        return static_cast<ISubRender11*>(&subtitles_);
+        return static_cast<ISubRender11*>(&subtitles);
     }
     if (iid == IID_IQualProp) {
-        return static_cast<IQualProp*>(&quality_);
+        return static_cast<IQualProp*>(&quality);
     }
     return BaseFilter::FindInterface(iid);
 }
@@ -52,11 +51,11 @@ STDMETHODIMP RendererFilter::Stop() {
 STDMETHODIMP RendererFilter::Pause() {
     const std::lock_guard lock(StateLock());
     const HRESULT result = BaseFilter::Pause();
-    if (FAILED(result) || !input_->IsConnected()) {
+    if (FAILED(result) || !input->IsConnected()) {
         return result;
     }
-    core_.Drawing().Pause();
-    return core_.Drawing().WaitReady(0) ? S_OK : S_FALSE;
+    core.Drawing().Pause();
+    return core.Drawing().WaitReady(0) ? S_OK : S_FALSE;
 }
 
 STDMETHODIMP RendererFilter::Run(REFERENCE_TIME start) {
@@ -66,21 +65,21 @@ STDMETHODIMP RendererFilter::Run(REFERENCE_TIME start) {
     if (FAILED(result)) {
         return result;
     }
-    if (input_->IsConnected()) {
-        core_.Drawing().Run(start);
+    if (input->IsConnected()) {
+        core.Drawing().Run(start);
     } else if (!wasRunning) {
         OnStreamEnd(); // nothing will come: the graph must not wait for this filter
     }
     return S_OK;
 }
 
-STDMETHODIMP RendererFilter::GetState(DWORD milliseconds, FILTER_STATE* state) {
-    if (state == nullptr) {
+STDMETHODIMP RendererFilter::GetState(DWORD milliseconds, FILTER_STATE* out) {
+    if (out == nullptr) {
         return E_POINTER;
     }
     // No lock: a streaming thread ends the wait, and a stop may come meanwhile.
-    const bool ready = core_.Drawing().WaitReady(milliseconds);
-    *state = State();
+    const bool ready = core.Drawing().WaitReady(milliseconds);
+    *out = State();
     return ready ? S_OK : VFW_S_STATE_INTERMEDIATE;
 }
 

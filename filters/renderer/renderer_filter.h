@@ -14,11 +14,11 @@ namespace brindlecast {
 // ISubRender11.
 class SubtitleAccess final : public FilterPart<ISubRender11> {
 public:
-    SubtitleAccess(BaseFilter& filter, RendererCore& core) : FilterPart(filter), core_(core) {}
+    SubtitleAccess(BaseFilter& theFilter, RendererCore& theCore) : FilterPart(theFilter), core(theCore) {}
     STDMETHODIMP SetCallback11(ISubRender11Callback* callback) override;
 
 private:
-    RendererCore& core_;
+    RendererCore& core;
 };
 
 // The video renderer: one input, a window, the graph's clock.
@@ -29,7 +29,7 @@ public:
     STDMETHODIMP Stop() override;
     STDMETHODIMP Pause() override;
     STDMETHODIMP Run(REFERENCE_TIME start) override;
-    STDMETHODIMP GetState(DWORD milliseconds, FILTER_STATE* state) override;
+    STDMETHODIMP GetState(DWORD milliseconds, FILTER_STATE* out) override;
 
 private:
     ~RendererFilter() override = default;
@@ -38,14 +38,14 @@ private:
     std::optional<std::int64_t> ClockTime() override;
     void OnStreamEnd() override;
 
-    RendererCore core_;
-    RendererPin* input_; // owned by the list of pins
-    VideoWindowControl videoWindow_;
-    BasicVideo basicVideo_;
-    PositionSeeking seeking_;
-    RendererOptions options_;
-    SubtitleAccess subtitles_;
-    QualityCounters quality_;
+    RendererCore core;
+    RendererPin* input; // owned by the list of pins
+    VideoWindowControl videoWindow;
+    BasicVideo basicVideo;
+    PositionSeeking seeking;
+    RendererOptions options;
+    SubtitleAccess subtitles;
+    QualityCounters quality;
 };
 
 } // namespace brindlecast

@@ -24,14 +24,14 @@ STDMETHODIMP RendererOptions::Flt_GetBool(LPCSTR field, bool* value) {
     }
     const std::string_view name(field);
     if (name == "flip") {
-        *value = core_.TheLook().Get().orientation.flip;
+        *value = core.TheLook().Get().orientation.flip;
         return S_OK;
     }
     if (name == "cmd_redraw") {
         return E_ABORT; // a command has no value
     }
-    const std::lock_guard lock(mutex_);
-    const BoolOption* const option = Find(bools_, name);
+    const std::lock_guard lock(mutex);
+    const BoolOption* const option = Find(bools, name);
     if (option == nullptr) {
         return E_INVALIDARG;
     }
@@ -45,11 +45,11 @@ STDMETHODIMP RendererOptions::Flt_GetInt(LPCSTR field, int* value) {
     }
     const std::string_view name(field);
     if (name == "rotation") {
-        *value = core_.TheLook().Get().orientation.rotation;
+        *value = core.TheLook().Get().orientation.rotation;
         return S_OK;
     }
-    const std::lock_guard lock(mutex_);
-    const IntOption* const option = Find(ints_, name);
+    const std::lock_guard lock(mutex);
+    const IntOption* const option = Find(ints, name);
     if (option == nullptr) {
         return E_INVALIDARG;
     }
@@ -66,7 +66,7 @@ STDMETHODIMP RendererOptions::Flt_GetBin(LPCSTR field, LPVOID* value, unsigned* 
     }
     return Guarded([&] {
         CapturedImage image;
-        const HRESULT result = core_.Drawing().Capture(FramePainter::CaptureKind::kWindow, &image);
+        const HRESULT result = core.Drawing().Capture(FramePainter::CaptureKind::kWindow, &image);
         if (FAILED(result)) {
             return result;
         }
@@ -88,17 +88,17 @@ STDMETHODIMP RendererOptions::Flt_SetBool(LPCSTR field, bool value) {
     }
     const std::string_view name(field);
     if (name == "flip") {
-        core_.TheLook().Edit([value](Look& look) { look.orientation.flip = value; });
+        core.TheLook().Edit([value](Look& look) { look.orientation.flip = value; });
         return S_OK;
     }
     if (name == "cmd_redraw") {
         if (value) {
-            core_.Drawing().RequestRedraw();
+            core.Drawing().RequestRedraw();
         }
         return S_OK;
     }
-    const std::lock_guard lock(mutex_);
-    BoolOption* const option = Find(bools_, name);
+    const std::lock_guard lock(mutex);
+    BoolOption* const option = Find(bools, name);
     if (option == nullptr) {
         return E_INVALIDARG;
     }
@@ -113,11 +113,11 @@ STDMETHODIMP RendererOptions::Flt_SetInt(LPCSTR field, int value) {
     const std::string_view name(field);
     if (name == "rotation") {
         const int rotation = NormalizedRotation(value);
-        core_.TheLook().Edit([rotation](Look& look) { look.orientation.rotation = rotation; });
+        core.TheLook().Edit([rotation](Look& look) { look.orientation.rotation = rotation; });
         return S_OK;
     }
-    const std::lock_guard lock(mutex_);
-    IntOption* const option = Find(ints_, name);
+    const std::lock_guard lock(mutex);
+    IntOption* const option = Find(ints, name);
     if (option == nullptr) {
         return E_INVALIDARG;
     }

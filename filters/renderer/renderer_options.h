@@ -13,7 +13,7 @@ namespace brindlecast {
 // options are remembered and answered, but choose nothing: there is one way to scale and to present.
 class RendererOptions final : public FilterPart<IExFilterConfig> {
 public:
-    RendererOptions(BaseFilter& filter, RendererCore& core) : FilterPart(filter), core_(core) {}
+    RendererOptions(BaseFilter& theFilter, RendererCore& theCore) : FilterPart(theFilter), core(theCore) {}
 
     STDMETHODIMP Flt_GetBool(LPCSTR field, bool* value) override;
     STDMETHODIMP Flt_GetInt(LPCSTR field, int* value) override;
@@ -39,16 +39,16 @@ private:
         int value;
     };
 
-    RendererCore& core_;
-    std::mutex mutex_;
-    std::array<BoolOption, 7> bools_{{{"useD3D11", true},
-                                      {"vsync", false},
-                                      {"vBlankBeforePresent", false},
-                                      {"adjustPresentTime", false},
-                                      {"vpScaling", false},
-                                      {"lessRedraws", true},
-                                      {"d3dFullscreenControl", false}}};
-    std::array<IntOption, 4> ints_{
+    RendererCore& core;
+    std::mutex mutex;
+    std::array<BoolOption, 7> bools{{{"useD3D11", true},
+                                     {"vsync", false},
+                                     {"vBlankBeforePresent", false},
+                                     {"adjustPresentTime", false},
+                                     {"vpScaling", false},
+                                     {"lessRedraws", true},
+                                     {"d3dFullscreenControl", false}}};
+    std::array<IntOption, 4> ints{
         {{"presentationType", 0}, {"chromaUpsampling", 0}, {"upscaler", 0}, {"downscaler", 0}}};
 };
 

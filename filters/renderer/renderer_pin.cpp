@@ -44,7 +44,8 @@ FrameTimes TimesOf(IMediaSample& sample, const PictureFormat& format, const Base
 
 } // namespace
 
-RendererPin::RendererPin(BaseFilter& filter, RendererCore& core) : InputPin(filter, L"Input"), core_(core) {}
+RendererPin::RendererPin(BaseFilter& filter, RendererCore& theCore)
+    : InputPin(filter, L"Input"), core(theCore) {}
 
 STDMETHODIMP RendererPin::NotifyAllocator(IMemAllocator* allocator, BOOL readOnly) {
     const HRESULT result = InputPin::NotifyAllocator(allocator, readOnly);
@@ -52,7 +53,7 @@ STDMETHODIMP RendererPin::NotifyAllocator(IMemAllocator* allocator, BOOL readOnl
         ALLOCATOR_PROPERTIES actual{};
         // A sender with fewer buffers would wait for the one that we keep on the screen: then pictures are
         // copied.
-        copies_ = FAILED(allocator->GetProperties(&actual)) || actual.cBuffers <= kBuffersHeld;
+        copies = FAILED(allocator->GetProperties(&actual)) || actual.cBuffers <= kBuffersHeld;
     }
     return result;
 }
@@ -82,21 +83,21 @@ HRESULT RendererPin::OnTypeAgreed(const MediaType& type) {
     if (!format) {
         return VFW_E_TYPE_NOT_ACCEPTED;
     }
-    format_ = *format;
+    agreedFormat = *format;
     return S_OK;
 }
 
 HRESULT RendererPin::OnConnected(IPin& peer) {
-    const HRESULT result = core_.Drawing().Start();
+    const HRESULT result = core.Drawing().Start();
     if (SUCCEEDED(result)) {
-        core_.SetContainerRotation(PictureRotationOf(peer));
-        core_.SetFormat(format_);
+        core.SetContainerRotation(PictureRotationOf(peer));
+        core.SetFormat(agreedFormat);
     }
     return result;
 }
 
 void RendererPin::OnDisconnected() {
-    core_.SetFormat(std::nullopt);
+    core.SetFormat(std::nullopt);
     InputPin::OnDisconnected();
 }
 
@@ -105,7 +106,7 @@ HRESULT RendererPin::Activate() {
 }
 
 void RendererPin::Deactivate() {
-    core_.Drawing().Stop();
+    core.Drawing().Stop();
     InputPin::Deactivate();
 }
 
@@ -115,15 +116,15 @@ HRESULT RendererPin::MakePicture(IMediaSample& sample, const FrameTimes& times, 
         return result;
     }
     const auto bytes = static_cast<std::size_t>(std::max<LONG>(sample.GetActualDataLength(), 0));
-    if (bytes < LayoutOf(format_.memory).bytes) {
+    if (bytes < LayoutOf(agreedFormat.memory).bytes) {
         return E_INVALIDARG; // less than the media type promises
     }
     auto picture = std::make_shared<Picture>();
-    picture->format = format_;
+    picture->format = agreedFormat;
     picture->times = times;
-    picture->containerRotation = core_.ContainerRotation();
+    picture->containerRotation = core.ContainerRotation();
     picture->bytes = bytes;
-    if (copies_) {
+    if (copies) {
         auto copy = std::make_shared<std::vector<std::uint8_t>>(data, data + bytes);
         picture->data = copy->data();
         picture->owner = std::move(copy);
@@ -152,28 +153,28 @@ void RendererPin::ReadRotation(IMediaSample& sample) {
     }
     std::memcpy(matrix.data(), data, sizeof(matrix));
     const int rotation = RotationOfDisplayMatrix(matrix);
-    if (rotation != core_.ContainerRotation()) {
-        core_.SetContainerRotation(rotation);
+    if (rotation != core.ContainerRotation()) {
+        core.SetContainerRotation(rotation);
         TellSizeChange();
     }
 }
 
 void RendererPin::TellSizeChange() {
-    if (const auto size = core_.VideoSize()) {
+    if (const auto size = core.VideoSize()) {
         Filter().Notify(EC_VIDEO_SIZE_CHANGED, MAKELONG(size->width, size->height), 0);
     }
 }
 
 HRESULT RendererPin::OnSample(IMediaSample& sample) {
-    const std::lock_guard lock(receiving_);
+    const std::lock_guard lock(receiving);
     ReadRotation(sample);
-    const FrameTimes times = TimesOf(sample, format_, CurrentSegment());
+    const FrameTimes times = TimesOf(sample, agreedFormat, CurrentSegment());
     if (sample.IsPreroll() == S_OK || (times.timed && times.stop <= 0)) {
         return S_OK; // before the segment's start: decoded, not shown
     }
     PicturePtr picture;
     const HRESULT result = MakePicture(sample, times, &picture);
-    return SUCCEEDED(result) ? core_.Drawing().Push(std::move(picture)) : result;
+    return SUCCEEDED(result) ? core.Drawing().Push(std::move(picture)) : result;
 }
 
 HRESULT RendererPin::OnFormatChange(const MediaType& type) {
@@ -181,34 +182,34 @@ HRESULT RendererPin::OnFormatChange(const MediaType& type) {
     if (!format) {
         return VFW_E_TYPE_NOT_ACCEPTED;
     }
-    const std::lock_guard lock(receiving_);
-    const auto before = core_.VideoSize();
-    format_ = *format;
-    core_.SetFormat(format_);
-    if (before != core_.VideoSize()) {
+    const std::lock_guard lock(receiving);
+    const auto before = core.VideoSize();
+    agreedFormat = *format;
+    core.SetFormat(agreedFormat);
+    if (before != core.VideoSize()) {
         TellSizeChange();
     }
     return S_OK;
 }
 
 HRESULT RendererPin::OnEndOfStream() {
-    core_.Drawing().EndOfStream();
+    core.Drawing().EndOfStream();
     return S_OK;
 }
 
 HRESULT RendererPin::OnBeginFlush() {
-    core_.Drawing().BeginFlush();
+    core.Drawing().BeginFlush();
     return S_OK;
 }
 
 HRESULT RendererPin::OnEndFlush() {
-    const std::lock_guard left(receiving_); // the streaming thread has gone with its old frame
-    core_.Drawing().EndFlush();
+    const std::lock_guard left(receiving); // the streaming thread has gone with its old frame
+    core.Drawing().EndFlush();
     return S_OK;
 }
 
 HRESULT RendererPin::OnNewSegment(const Segment& segment) {
-    core_.Drawing().NewSegment(segment.start, segment.rate);
+    core.Drawing().NewSegment(segment.start, segment.rate);
     return S_OK;
 }
 

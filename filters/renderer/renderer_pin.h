@@ -8,7 +8,7 @@ namespace brindlecast {
 // The renderer's input: makes pictures of samples and hands them to the drawing thread.
 class RendererPin final : public InputPin {
 public:
-    RendererPin(BaseFilter& filter, RendererCore& core);
+    RendererPin(BaseFilter& filter, RendererCore& theCore);
 
     STDMETHODIMP NotifyAllocator(IMemAllocator* allocator, BOOL readOnly) override;
     STDMETHODIMP GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties) override;
@@ -34,10 +34,10 @@ private:
     void ReadRotation(IMediaSample& sample);
     void TellSizeChange();
 
-    RendererCore& core_;
-    PictureFormat format_;            // streaming thread; at connection the connecting one
-    std::atomic<bool> copies_{false}; // the allocator has too few buffers to keep any
-    std::mutex receiving_;            // held while a sample is taken
+    RendererCore& core;
+    PictureFormat agreedFormat;      // streaming thread; at connection the connecting one
+    std::atomic<bool> copies{false}; // the allocator has too few buffers to keep any
+    std::mutex receiving;            // held while a sample is taken
 };
 
 } // namespace brindlecast

@@ -6,34 +6,34 @@ SubtitleLink::~SubtitleLink() {
     SetCallback(nullptr);
 }
 
-void SubtitleLink::SetCallback(ISubRender11Callback* callback) {
+void SubtitleLink::SetCallback(ISubRender11Callback* newCallback) {
     ComPtr<ISubRender11Callback> old; // released after the lock: its last release is foreign code
-    const ComPtr<ISubRender11Callback> next(callback);
-    const std::lock_guard lock(mutex_);
+    const ComPtr<ISubRender11Callback> next(newCallback);
+    const std::lock_guard lock(mutex);
     ReleaseDevice();
-    old = callback_;
-    callback_ = next;
+    old = callback;
+    callback = next;
 }
 
 void SubtitleLink::DeviceGone() {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(mutex);
     ReleaseDevice();
 }
 
 void SubtitleLink::ReleaseDevice() {
-    if (callback_ != nullptr && told_ != nullptr) {
-        callback_->SetDevice11(nullptr);
+    if (callback != nullptr && told != nullptr) {
+        callback->SetDevice11(nullptr);
     }
-    told_ = nullptr;
+    told = nullptr;
 }
 
 void SubtitleLink::TellDevice(ID3D11Device* device) {
-    if (told_ != device) {
+    if (told != device) {
         ReleaseDevice();
         // A callback that can't use the device is not asked again for it on every frame; it refuses to draw
         // itself.
-        callback_->SetDevice11(device);
-        told_ = device;
+        callback->SetDevice11(device);
+        told = device;
     }
 }
 

@@ -14,7 +14,7 @@ public:
     ~SubtitleLink();
 
     // Any thread. The old callback is told to release everything of the device.
-    void SetCallback(ISubRender11Callback* callback);
+    void SetCallback(ISubRender11Callback* newCallback);
 
     // What Render11 is told about one frame.
     struct Frame {
@@ -29,14 +29,14 @@ public:
     // happens without a callback. True when something may have been drawn.
     template <class Bind>
     bool Render(ID3D11Device* device, const Frame& frame, Bind&& bind) {
-        const std::lock_guard lock(mutex_);
-        if (callback_ == nullptr) {
+        const std::lock_guard lock(mutex);
+        if (callback == nullptr) {
             return false;
         }
         TellDevice(device);
         bind();
-        callback_->Render11(frame.start, frame.stop, frame.duration, frame.video, frame.originalVideo,
-                            frame.viewport, 1.0, 0, 0);
+        callback->Render11(frame.start, frame.stop, frame.duration, frame.video, frame.originalVideo,
+                           frame.viewport, 1.0, 0, 0);
         return true;
     }
     // Drawing thread: the device is about to go.
@@ -46,9 +46,9 @@ private:
     void TellDevice(ID3D11Device* device);
     void ReleaseDevice();
 
-    std::mutex mutex_;
-    ComPtr<ISubRender11Callback> callback_;
-    ID3D11Device* told_ = nullptr; // the device that the callback holds; compared, never used
+    std::mutex mutex;
+    ComPtr<ISubRender11Callback> callback;
+    ID3D11Device* told = nullptr; // the device that the callback holds; compared, never used
 };
 
 } // namespace brindlecast

@@ -4,12 +4,12 @@
 
 namespace brindlecast {
 
-SwapChainPresenter::SwapChainPresenter(const D3dDevice& device, std::shared_ptr<WindowSlot> window)
-    : device_(device), window_(std::move(window)) {}
+SwapChainPresenter::SwapChainPresenter(const D3dDevice& theDevice, std::shared_ptr<WindowSlot> window)
+    : device(theDevice), windowSlot(std::move(window)) {}
 
 std::unique_ptr<SwapChainPresenter>
-SwapChainPresenter::Create(const D3dDevice& device, std::shared_ptr<WindowSlot> window, HRESULT* failure) {
-    std::unique_ptr<SwapChainPresenter> presenter(new SwapChainPresenter(device, window));
+SwapChainPresenter::Create(const D3dDevice& theDevice, std::shared_ptr<WindowSlot> window, HRESULT* failure) {
+    std::unique_ptr<SwapChainPresenter> presenter(new SwapChainPresenter(theDevice, window));
     *failure = E_HANDLE;
     window->Use([&](HWND handle) { *failure = presenter->CreateChain(handle); });
     if (FAILED(*failure)) {
@@ -22,7 +22,7 @@ HRESULT SwapChainPresenter::CreateChain(HWND window) {
     ComPtr<IDXGIDevice> dxgiDevice;
     ComPtr<IDXGIAdapter> adapter;
     ComPtr<IDXGIFactory2> factory;
-    HRESULT result = device_.device.As(&dxgiDevice);
+    HRESULT result = device.device.As(&dxgiDevice);
     if (SUCCEEDED(result)) {
         result = dxgiDevice->GetAdapter(adapter.GetAddressOf());
     }
@@ -47,8 +47,8 @@ HRESULT SwapChainPresenter::CreateChain(HWND window) {
         if (effect == DXGI_SWAP_EFFECT_DISCARD) {
             description.Scaling = DXGI_SCALING_STRETCH;
         }
-        result = factory->CreateSwapChainForHwnd(device_.device.Get(), window, &description, nullptr, nullptr,
-                                                 chain_.ReleaseAndGetAddressOf());
+        result = factory->CreateSwapChainForHwnd(device.device.Get(), window, &description, nullptr, nullptr,
+                                                 chain.ReleaseAndGetAddressOf());
         if (SUCCEEDED(result)) {
             break;
         }
@@ -62,43 +62,43 @@ HRESULT SwapChainPresenter::CreateChain(HWND window) {
 }
 
 HRESULT SwapChainPresenter::Resize(PictureSize size) {
-    size_ = {};
+    bufferSize = {};
     // Every reference to a buffer has to go first, also the one that the context holds as its target.
-    device_.context->OMSetRenderTargets(0, nullptr, nullptr);
-    view_.Reset();
-    buffer_.Reset();
-    HRESULT result = chain_->ResizeBuffers(0, static_cast<UINT>(size.width), static_cast<UINT>(size.height),
-                                           DXGI_FORMAT_UNKNOWN, 0);
+    device.context->OMSetRenderTargets(0, nullptr, nullptr);
+    view.Reset();
+    buffer.Reset();
+    HRESULT result = chain->ResizeBuffers(0, static_cast<UINT>(size.width), static_cast<UINT>(size.height),
+                                          DXGI_FORMAT_UNKNOWN, 0);
     if (SUCCEEDED(result)) {
-        result = chain_->GetBuffer(0, IID_PPV_ARGS(buffer_.GetAddressOf()));
+        result = chain->GetBuffer(0, IID_PPV_ARGS(buffer.GetAddressOf()));
     }
     if (SUCCEEDED(result)) {
-        result = device_.device->CreateRenderTargetView(buffer_.Get(), nullptr, view_.GetAddressOf());
+        result = device.device->CreateRenderTargetView(buffer.Get(), nullptr, view.GetAddressOf());
     }
     if (SUCCEEDED(result)) {
-        size_ = size;
+        bufferSize = size;
     }
     return result;
 }
 
 HRESULT SwapChainPresenter::Begin(PictureSize size, ID3D11RenderTargetView** target) {
-    if (size != size_) {
+    if (size != bufferSize) {
         if (const HRESULT result = Resize(size); FAILED(result)) {
             return result;
         }
     }
-    *target = view_.Get();
+    *target = view.Get();
     return S_OK;
 }
 
 HRESULT SwapChainPresenter::Finish() {
-    device_.context->Flush();
+    device.context->Flush();
     return S_OK;
 }
 
 HRESULT SwapChainPresenter::Show() {
     HRESULT result = S_FALSE;
-    window_->Use([&](HWND) { result = chain_->Present(0, 0); });
+    windowSlot->Use([&](HWND) { result = chain->Present(0, 0); });
     return result;
 }
 

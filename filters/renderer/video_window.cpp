@@ -24,8 +24,8 @@ HINSTANCE ModuleOfThisCode() {
 class ClassUse {
 public:
     [[nodiscard]] bool Add(WNDPROC procedure) {
-        const std::lock_guard lock(mutex_);
-        if (!registered_) {
+        const std::lock_guard lock(mutex);
+        if (!registered) {
             WNDCLASSEXW description{};
             description.cbSize = sizeof(description);
             // No CS_DBLCLKS: the drain measures double clicks itself, also the third press after two.
@@ -33,27 +33,27 @@ public:
             description.hInstance = ModuleOfThisCode();
             description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
             description.lpszClassName = kClassName;
-            registered_ = RegisterClassExW(&description) != 0;
+            registered = RegisterClassExW(&description) != 0;
         }
-        users_ += registered_ ? 1 : 0;
-        return registered_;
+        users += registered ? 1 : 0;
+        return registered;
     }
     void Remove() {
-        const std::lock_guard lock(mutex_);
-        --users_;
+        const std::lock_guard lock(mutex);
+        --users;
     }
     // Not possible from within a window's destruction, hence apart from Remove.
     void Sweep() {
-        const std::lock_guard lock(mutex_);
-        if (registered_ && users_ == 0) {
-            registered_ = UnregisterClassW(kClassName, ModuleOfThisCode()) == 0;
+        const std::lock_guard lock(mutex);
+        if (registered && users == 0) {
+            registered = UnregisterClassW(kClassName, ModuleOfThisCode()) == 0;
         }
     }
 
 private:
-    std::mutex mutex_;
-    int users_ = 0;
-    bool registered_ = false;
+    std::mutex mutex;
+    int users = 0;
+    bool registered = false;
 };
 
 ClassUse& TheClass() {
@@ -76,8 +76,8 @@ bool IsKey(UINT message) {
 
 } // namespace
 
-VideoWindow::VideoWindow(VideoWindowEvents& events, std::shared_ptr<WindowSlot> slot)
-    : events_(events), slot_(std::move(slot)) {}
+VideoWindow::VideoWindow(VideoWindowEvents& theEvents, std::shared_ptr<WindowSlot> theSlot)
+    : events(theEvents), slot(std::move(theSlot)) {}
 
 VideoWindow::~VideoWindow() {
     Detach();
@@ -88,17 +88,17 @@ void VideoWindow::ReleaseClass() {
     TheClass().Sweep();
 }
 
-HRESULT VideoWindow::Attach(HWND owner) {
-    if (!IsWindow(owner)) {
+HRESULT VideoWindow::Attach(HWND newOwner) {
+    if (!IsWindow(newOwner)) {
         return E_INVALIDARG;
     }
     RECT client{};
-    GetClientRect(owner, &client);
-    if (const HWND window = window_.load()) {
-        if (SetParent(window, owner) == nullptr) {
+    GetClientRect(newOwner, &client);
+    if (const HWND window = handle.load()) {
+        if (SetParent(window, newOwner) == nullptr) {
             return HRESULT_FROM_WIN32(GetLastError());
         }
-        owner_ = owner;
+        owner = newOwner;
         return S_OK;
     }
     if (!TheClass().Add(Procedure)) {
@@ -106,7 +106,7 @@ HRESULT VideoWindow::Attach(HWND owner) {
     }
     const HWND window = CreateWindowExW(
         WS_EX_NOPARENTNOTIFY, kClassName, L"", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN, 0,
-        0, client.right, client.bottom, owner, nullptr, ModuleOfThisCode(), this);
+        0, client.right, client.bottom, newOwner, nullptr, ModuleOfThisCode(), this);
     if (window == nullptr) {
         const HRESULT result = HRESULT_FROM_WIN32(GetLastError());
         TheClass().Remove();
@@ -114,18 +114,18 @@ HRESULT VideoWindow::Attach(HWND owner) {
     }
     // First among the owner's children, where the application looks for it.
     SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-    owner_ = owner;
-    slot_->Set(window);
+    owner = newOwner;
+    slot->Set(window);
     return S_OK;
 }
 
 void VideoWindow::Detach() {
-    const HWND window = window_.exchange(nullptr);
-    owner_ = nullptr;
+    const HWND window = handle.exchange(nullptr);
+    owner = nullptr;
     if (window == nullptr) {
         return;
     }
-    slot_->Set(nullptr);
+    slot->Set(nullptr);
     if (GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId()) {
         ShowWindow(window, SW_HIDE);
         SetWindowLongPtrW(window, GWLP_USERDATA, 0);
@@ -142,7 +142,7 @@ void VideoWindow::Detach() {
 LRESULT CALLBACK VideoWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     if (message == WM_NCCREATE) {
         auto* self = static_cast<VideoWindow*>(reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams);
-        self->window_ = window;
+        self->handle = window;
         SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(self));
     }
     auto* self = reinterpret_cast<VideoWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
@@ -152,9 +152,9 @@ LRESULT CALLBACK VideoWindow::Procedure(HWND window, UINT message, WPARAM wParam
     }
     if (message == WM_NCDESTROY) {
         if (self != nullptr) { // the owner went away with its children
-            self->slot_->Set(nullptr);
-            self->window_ = nullptr;
-            self->owner_ = nullptr;
+            self->slot->Set(nullptr);
+            self->handle = nullptr;
+            self->owner = nullptr;
         }
         SetWindowLongPtrW(window, GWLP_USERDATA, 0);
         TheClass().Remove();
@@ -173,16 +173,16 @@ LRESULT CALLBACK VideoWindow::Procedure(HWND window, UINT message, WPARAM wParam
 LRESULT VideoWindow::Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (IsMouse(message) || IsKey(message)) {
         PostToDrain(window, message, wParam, lParam);
-        if (drain_.load() != nullptr) {
+        if (drain.load() != nullptr) {
             return 0;
         }
     }
     switch (message) {
     case WM_ERASEBKGND: return 1;
     case WM_PAINT: Paint(window); return 0;
-    case WM_SIZE: events_.OnPaintNeeded(); return 0;
+    case WM_SIZE: events.OnPaintNeeded(); return 0;
     case WM_SETCURSOR:
-        if (cursorHidden_ && LOWORD(lParam) == HTCLIENT) {
+        if (cursorHidden && LOWORD(lParam) == HTCLIENT) {
             SetCursor(nullptr);
             return TRUE;
         }
@@ -195,24 +195,24 @@ LRESULT VideoWindow::Handle(HWND window, UINT message, WPARAM wParam, LPARAM lPa
 void VideoWindow::Paint(HWND window) {
     PAINTSTRUCT paint{};
     const HDC context = BeginPaint(window, &paint);
-    if (!events_.HasPicture()) {
+    if (!events.HasPicture()) {
         FillRect(context, &paint.rcPaint, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
     }
     EndPaint(window, &paint);
-    events_.OnPaintNeeded();
+    events.OnPaintNeeded();
 }
 
 void VideoWindow::PostToDrain(HWND window, UINT message, WPARAM wParam, LPARAM lParam) const {
-    const HWND drain = drain_.load();
-    if (drain == nullptr) {
+    const HWND receiver = drain.load();
+    if (receiver == nullptr) {
         return;
     }
     if (HasClientPoint(message)) {
         POINT point{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
-        MapWindowPoints(window, drain, &point, 1);
+        MapWindowPoints(window, receiver, &point, 1);
         lParam = MAKELPARAM(point.x, point.y);
     }
-    PostMessageW(drain, message, wParam, lParam);
+    PostMessageW(receiver, message, wParam, lParam);
 }
 
 } // namespace brindlecast

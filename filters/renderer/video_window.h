@@ -23,22 +23,22 @@ protected:
 // owns it; the other methods may be called on any thread, but only that one destroys it at once.
 class VideoWindow {
 public:
-    VideoWindow(VideoWindowEvents& events, std::shared_ptr<WindowSlot> slot);
+    VideoWindow(VideoWindowEvents& theEvents, std::shared_ptr<WindowSlot> theSlot);
     ~VideoWindow();
 
     // Makes the window as a child of `owner`, as large as its client area, visible, or moves it there.
-    [[nodiscard]] HRESULT Attach(HWND owner);
+    [[nodiscard]] HRESULT Attach(HWND newOwner);
     // Hides the window, takes it from the drawing thread and destroys it.
     void Detach();
 
-    [[nodiscard]] HWND Handle() const noexcept { return window_.load(); }
-    [[nodiscard]] HWND Owner() const noexcept { return owner_.load(); }
+    [[nodiscard]] HWND Handle() const noexcept { return handle.load(); }
+    [[nodiscard]] HWND Owner() const noexcept { return owner.load(); }
 
     // Where mouse and key messages are posted; null posts none.
-    void SetDrain(HWND drain) noexcept { drain_ = drain; }
-    [[nodiscard]] HWND Drain() const noexcept { return drain_.load(); }
-    void HideCursor(bool hide) noexcept { cursorHidden_ = hide; }
-    [[nodiscard]] bool IsCursorHidden() const noexcept { return cursorHidden_.load(); }
+    void SetDrain(HWND newDrain) noexcept { drain = newDrain; }
+    [[nodiscard]] HWND Drain() const noexcept { return drain.load(); }
+    void HideCursor(bool hide) noexcept { cursorHidden = hide; }
+    [[nodiscard]] bool IsCursorHidden() const noexcept { return cursorHidden.load(); }
 
     // Before the module is unloaded: takes the window class away if no window is left.
     static void ReleaseClass();
@@ -49,12 +49,12 @@ private:
     void Paint(HWND window);
     void PostToDrain(HWND window, UINT message, WPARAM wParam, LPARAM lParam) const;
 
-    VideoWindowEvents& events_;
-    std::shared_ptr<WindowSlot> slot_;
-    std::atomic<HWND> window_{nullptr};
-    std::atomic<HWND> owner_{nullptr};
-    std::atomic<HWND> drain_{nullptr};
-    std::atomic<bool> cursorHidden_{false};
+    VideoWindowEvents& events;
+    std::shared_ptr<WindowSlot> slot;
+    std::atomic<HWND> handle{nullptr};
+    std::atomic<HWND> owner{nullptr};
+    std::atomic<HWND> drain{nullptr};
+    std::atomic<bool> cursorHidden{false};
 };
 
 } // namespace brindlecast

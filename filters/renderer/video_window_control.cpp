@@ -25,11 +25,11 @@ LONG ToOaBool(bool value) {
 } // namespace
 
 HRESULT VideoWindowControl::NeedWindow(HWND* window) const {
-    *window = core_.Window().Handle();
+    *window = core.Window().Handle();
     if (*window != nullptr) {
         return S_OK;
     }
-    return core_.IsConnected() ? E_UNEXPECTED : VFW_E_NOT_CONNECTED;
+    return core.IsConnected() ? E_UNEXPECTED : VFW_E_NOT_CONNECTED;
 }
 
 HRESULT VideoWindowControl::Place(RECT* place) const {
@@ -229,10 +229,10 @@ STDMETHODIMP VideoWindowControl::get_Height(LONG* height) {
 STDMETHODIMP VideoWindowControl::put_Owner(OAHWND owner) {
     return Guarded([&]() -> HRESULT {
         if (owner == 0) {
-            core_.Window().Detach();
-            return core_.IsConnected() ? S_OK : VFW_E_NOT_CONNECTED;
+            core.Window().Detach();
+            return core.IsConnected() ? S_OK : VFW_E_NOT_CONNECTED;
         }
-        return core_.IsConnected() ? core_.Window().Attach(ToWindow(owner)) : VFW_E_NOT_CONNECTED;
+        return core.IsConnected() ? core.Window().Attach(ToWindow(owner)) : VFW_E_NOT_CONNECTED;
     });
 }
 
@@ -240,7 +240,7 @@ STDMETHODIMP VideoWindowControl::get_Owner(OAHWND* owner) {
     if (owner == nullptr) {
         return E_POINTER;
     }
-    *owner = FromWindow(core_.Window().Owner());
+    *owner = FromWindow(core.Window().Owner());
     return S_OK;
 }
 
@@ -248,10 +248,10 @@ STDMETHODIMP VideoWindowControl::put_MessageDrain(OAHWND drain) {
     if (drain != 0 && !IsWindow(ToWindow(drain))) {
         return E_INVALIDARG;
     }
-    if (!core_.IsConnected() && drain != 0) {
+    if (!core.IsConnected() && drain != 0) {
         return VFW_E_NOT_CONNECTED;
     }
-    core_.Window().SetDrain(ToWindow(drain));
+    core.Window().SetDrain(ToWindow(drain));
     return S_OK;
 }
 
@@ -259,7 +259,7 @@ STDMETHODIMP VideoWindowControl::get_MessageDrain(OAHWND* drain) {
     if (drain == nullptr) {
         return E_POINTER;
     }
-    *drain = FromWindow(core_.Window().Drain());
+    *drain = FromWindow(core.Window().Drain());
     return S_OK;
 }
 
@@ -309,7 +309,7 @@ STDMETHODIMP VideoWindowControl::GetMinIdealImageSize(LONG* width, LONG* height)
     if (width == nullptr || height == nullptr) {
         return E_POINTER;
     }
-    const auto size = core_.VideoSize();
+    const auto size = core.VideoSize();
     if (!size) {
         return VFW_E_NOT_CONNECTED;
     }
@@ -330,7 +330,7 @@ STDMETHODIMP VideoWindowControl::HideCursor(LONG hide) {
     HWND window = nullptr;
     const HRESULT result = NeedWindow(&window);
     if (SUCCEEDED(result)) {
-        core_.Window().HideCursor(hide != OAFALSE);
+        core.Window().HideCursor(hide != OAFALSE);
     }
     return result;
 }
@@ -339,7 +339,7 @@ STDMETHODIMP VideoWindowControl::IsCursorHidden(LONG* hidden) {
     if (hidden == nullptr) {
         return E_POINTER;
     }
-    *hidden = ToOaBool(core_.Window().IsCursorHidden());
+    *hidden = ToOaBool(core.Window().IsCursorHidden());
     return S_OK;
 }
 

@@ -12,7 +12,8 @@ namespace brindlecast {
 // full-screen mode of its own are not offered (E_NOTIMPL).
 class VideoWindowControl final : public DualFilterPart<IVideoWindow> {
 public:
-    VideoWindowControl(BaseFilter& filter, RendererCore& core) : DualFilterPart(filter), core_(core) {}
+    VideoWindowControl(BaseFilter& theFilter, RendererCore& theCore)
+        : DualFilterPart(theFilter), core(theCore) {}
 
     STDMETHODIMP put_Caption(BSTR caption) override;
     STDMETHODIMP get_Caption(BSTR* caption) override;
@@ -63,7 +64,7 @@ private:
     template <class Read>
     [[nodiscard]] HRESULT ReadPlace(LONG* value, Read&& read) const;
 
-    RendererCore& core_;
+    RendererCore& core;
 };
 
 } // namespace brindlecast

@@ -11,30 +11,30 @@ namespace brindlecast {
 // while it draws and makes no call that sends a message to the window.
 class WindowSlot {
 public:
-    void Set(HWND window) {
-        const std::lock_guard lock(mutex_);
-        window_ = window;
+    void Set(HWND newWindow) {
+        const std::lock_guard lock(mutex);
+        window = newWindow;
     }
 
     // Calls `action(window)` with the window locked in place; false when there is none.
     template <class Action>
     bool Use(Action&& action) {
-        const std::lock_guard lock(mutex_);
-        if (window_ == nullptr) {
+        const std::lock_guard lock(mutex);
+        if (window == nullptr) {
             return false;
         }
-        action(window_);
+        action(window);
         return true;
     }
 
     [[nodiscard]] HWND Get() {
-        const std::lock_guard lock(mutex_);
-        return window_;
+        const std::lock_guard lock(mutex);
+        return window;
     }
 
 private:
-    std::mutex mutex_;
-    HWND window_ = nullptr;
+    std::mutex mutex;
+    HWND window = nullptr;
 };
 
 } // namespace brindlecast

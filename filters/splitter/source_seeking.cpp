@@ -14,25 +14,29 @@ constexpr DWORD kCapabilities = AM_SEEKING_CanSeekAbsolute | AM_SEEKING_CanSeekF
 } // namespace
 
 STDMETHODIMP SourceSeeking::GetCapabilities(DWORD* capabilities) {
-    if (capabilities == nullptr)
+    if (capabilities == nullptr) {
         return E_POINTER;
+    }
     *capabilities = kCapabilities;
     return S_OK;
 }
 
 STDMETHODIMP SourceSeeking::CheckCapabilities(DWORD* capabilities) {
-    if (capabilities == nullptr)
+    if (capabilities == nullptr) {
         return E_POINTER;
+    }
     const DWORD asked = *capabilities;
     *capabilities &= kCapabilities;
-    if (*capabilities == asked)
+    if (*capabilities == asked) {
         return S_OK;
+    }
     return *capabilities != 0 ? S_FALSE : E_FAIL;
 }
 
 STDMETHODIMP SourceSeeking::IsFormatSupported(const GUID* format) {
-    if (format == nullptr)
+    if (format == nullptr) {
         return E_POINTER;
+    }
     return *format == TIME_FORMAT_MEDIA_TIME ? S_OK : S_FALSE;
 }
 
@@ -41,8 +45,9 @@ STDMETHODIMP SourceSeeking::QueryPreferredFormat(GUID* format) {
 }
 
 STDMETHODIMP SourceSeeking::GetTimeFormat(GUID* format) {
-    if (format == nullptr)
+    if (format == nullptr) {
         return E_POINTER;
+    }
     *format = TIME_FORMAT_MEDIA_TIME;
     return S_OK;
 }
@@ -52,40 +57,46 @@ STDMETHODIMP SourceSeeking::IsUsingTimeFormat(const GUID* format) {
 }
 
 STDMETHODIMP SourceSeeking::SetTimeFormat(const GUID* format) {
-    if (format == nullptr)
+    if (format == nullptr) {
         return E_POINTER;
+    }
     return *format == TIME_FORMAT_MEDIA_TIME ? S_OK : E_INVALIDARG;
 }
 
 STDMETHODIMP SourceSeeking::GetDuration(LONGLONG* duration) {
-    if (duration == nullptr)
+    if (duration == nullptr) {
         return E_POINTER;
-    *duration = target_.SeekDuration();
+    }
+    *duration = seekTarget.SeekDuration();
     return *duration > 0 ? S_OK : E_FAIL;
 }
 
 STDMETHODIMP SourceSeeking::GetStopPosition(LONGLONG* stop) {
-    if (stop == nullptr)
+    if (stop == nullptr) {
         return E_POINTER;
-    *stop = target_.SeekStop();
+    }
+    *stop = seekTarget.SeekStop();
     return S_OK;
 }
 
 STDMETHODIMP SourceSeeking::GetCurrentPosition(LONGLONG* current) {
-    if (current == nullptr)
+    if (current == nullptr) {
         return E_POINTER;
-    *current = target_.SeekPosition();
+    }
+    *current = seekTarget.SeekPosition();
     return S_OK;
 }
 
 STDMETHODIMP SourceSeeking::ConvertTimeFormat(LONGLONG* target, const GUID* targetFormat, LONGLONG source,
                                               const GUID* sourceFormat) {
-    if (target == nullptr)
+    if (target == nullptr) {
         return E_POINTER;
+    }
     // A null format is the current one.
     for (const GUID* format : {targetFormat, sourceFormat}) {
-        if (format != nullptr && *format != TIME_FORMAT_MEDIA_TIME)
+        if (format != nullptr && *format != TIME_FORMAT_MEDIA_TIME) {
             return E_INVALIDARG;
+        }
     }
     *target = source;
     return S_OK;
@@ -94,74 +105,89 @@ STDMETHODIMP SourceSeeking::ConvertTimeFormat(LONGLONG* target, const GUID* targ
 STDMETHODIMP SourceSeeking::SetPositions(LONGLONG* current, DWORD currentFlags, LONGLONG* stop,
                                          DWORD stopFlags) {
     return Guarded([&]() -> HRESULT {
-        LONGLONG start = target_.SeekPosition();
+        LONGLONG start = seekTarget.SeekPosition();
         const DWORD startKind = currentFlags & AM_SEEKING_PositioningBitsMask;
         if (startKind != AM_SEEKING_NoPositioning) {
-            if (current == nullptr)
+            if (current == nullptr) {
                 return E_POINTER;
-            if (startKind == AM_SEEKING_AbsolutePositioning)
+            }
+            if (startKind == AM_SEEKING_AbsolutePositioning) {
                 start = *current;
-            else if (startKind == AM_SEEKING_RelativePositioning)
+            } else if (startKind == AM_SEEKING_RelativePositioning) {
                 start += *current;
-            else
+            } else {
                 return E_INVALIDARG;
-            if ((currentFlags & AM_SEEKING_SeekToKeyFrame) != 0)
-                start = target_.KeyframeBefore(start);
+            }
+            if ((currentFlags & AM_SEEKING_SeekToKeyFrame) != 0) {
+                start = seekTarget.KeyframeBefore(start);
+            }
         }
-        LONGLONG end = target_.SeekStop();
+        LONGLONG end = seekTarget.SeekStop();
         const DWORD stopKind = stopFlags & AM_SEEKING_PositioningBitsMask;
         if (stopKind != AM_SEEKING_NoPositioning) {
-            if (stop == nullptr)
+            if (stop == nullptr) {
                 return E_POINTER;
-            if (stopKind == AM_SEEKING_AbsolutePositioning)
+            }
+            if (stopKind == AM_SEEKING_AbsolutePositioning) {
                 end = *stop;
-            else if (stopKind == AM_SEEKING_RelativePositioning)
+            } else if (stopKind == AM_SEEKING_RelativePositioning) {
                 end += *stop;
-            else
+            } else {
                 end = start + *stop; // incremental: counted from the start
+            }
         }
-        const HRESULT result = target_.SeekTo(this, startKind != AM_SEEKING_NoPositioning ? &start : nullptr,
-                                              stopKind != AM_SEEKING_NoPositioning ? &end : nullptr);
-        if (FAILED(result))
+        const HRESULT result =
+            seekTarget.SeekTo(this, startKind != AM_SEEKING_NoPositioning ? &start : nullptr,
+                              stopKind != AM_SEEKING_NoPositioning ? &end : nullptr);
+        if (FAILED(result)) {
             return result;
-        if ((currentFlags & AM_SEEKING_ReturnTime) != 0 && current != nullptr)
+        }
+        if ((currentFlags & AM_SEEKING_ReturnTime) != 0 && current != nullptr) {
             *current = start;
-        if ((stopFlags & AM_SEEKING_ReturnTime) != 0 && stop != nullptr)
+        }
+        if ((stopFlags & AM_SEEKING_ReturnTime) != 0 && stop != nullptr) {
             *stop = end;
+        }
         return result;
     });
 }
 
 STDMETHODIMP SourceSeeking::GetPositions(LONGLONG* current, LONGLONG* stop) {
-    if (current != nullptr)
-        *current = target_.SeekPosition();
-    if (stop != nullptr)
-        *stop = target_.SeekStop();
+    if (current != nullptr) {
+        *current = seekTarget.SeekPosition();
+    }
+    if (stop != nullptr) {
+        *stop = seekTarget.SeekStop();
+    }
     return S_OK;
 }
 
 STDMETHODIMP SourceSeeking::GetAvailable(LONGLONG* earliest, LONGLONG* latest) {
-    if (earliest != nullptr)
+    if (earliest != nullptr) {
         *earliest = 0;
-    if (latest != nullptr)
-        *latest = target_.SeekDuration();
+    }
+    if (latest != nullptr) {
+        *latest = seekTarget.SeekDuration();
+    }
     return S_OK;
 }
 
 STDMETHODIMP SourceSeeking::SetRate(double rate) {
-    return Guarded([&] { return target_.ChangeRate(rate); });
+    return Guarded([&] { return seekTarget.ChangeRate(rate); });
 }
 
 STDMETHODIMP SourceSeeking::GetRate(double* rate) {
-    if (rate == nullptr)
+    if (rate == nullptr) {
         return E_POINTER;
-    *rate = target_.SeekRate();
+    }
+    *rate = seekTarget.SeekRate();
     return S_OK;
 }
 
 STDMETHODIMP SourceSeeking::GetPreroll(LONGLONG* preroll) {
-    if (preroll == nullptr)
+    if (preroll == nullptr) {
         return E_POINTER;
+    }
     *preroll = 0;
     return S_OK;
 }

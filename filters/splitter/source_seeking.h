@@ -26,7 +26,7 @@ protected:
 // class brings IUnknown. The only time format is TIME_FORMAT_MEDIA_TIME.
 class SourceSeeking : public IMediaSeeking {
 public:
-    explicit SourceSeeking(SeekTarget& target) : target_(target) {}
+    explicit SourceSeeking(SeekTarget& target) : seekTarget(target) {}
 
     STDMETHODIMP GetCapabilities(DWORD* capabilities) override;
     STDMETHODIMP CheckCapabilities(DWORD* capabilities) override;
@@ -52,7 +52,7 @@ protected:
     ~SourceSeeking() = default;
 
 private:
-    SeekTarget& target_;
+    SeekTarget& seekTarget;
 };
 
 } // namespace brindlecast

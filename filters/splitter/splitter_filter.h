@@ -51,9 +51,9 @@ public:
     LONGLONG KeyframeBefore(LONGLONG time) override;
 
     // For the pins.
-    [[nodiscard]] PacketQueues& Queues() noexcept { return queues_; }
+    [[nodiscard]] PacketQueues& Queues() noexcept { return queues; }
     [[nodiscard]] const DemuxStream& StreamAt(int stream) const {
-        return streams_[static_cast<std::size_t>(stream)];
+        return streams[static_cast<std::size_t>(stream)];
     }
     [[nodiscard]] std::vector<MediaType> TypesOf(int stream) const;
     void OnConnectedWhileActive(SplitterPin& pin);
@@ -64,11 +64,11 @@ public:
 private:
     ~SplitterFilter() override;
     void* FindInterface(REFIID iid) noexcept override;
-    void OnLimitsChanged() override { queues_.SetLimits(Limits()); }
+    void OnLimitsChanged() override { queues.SetLimits(Limits()); }
 
     HRESULT OpenFile(const std::wstring& path);
     void CreatePin(StreamKind kind, int stream);
-    [[nodiscard]] SplitterPin* PinOf(StreamKind kind) const { return pins_[static_cast<std::size_t>(kind)]; }
+    [[nodiscard]] SplitterPin* PinOf(StreamKind kind) const { return pins[static_cast<std::size_t>(kind)]; }
     [[nodiscard]] int EnabledStream(StreamKind kind) const;
     [[nodiscard]] bool AnyConnected() const;
 
@@ -83,20 +83,20 @@ private:
     [[nodiscard]] REFERENCE_TIME StreamTime();
     HRESULT SwitchStream(SplitterPin& pin, int stream);
 
-    std::wstring path_;
-    std::unique_ptr<DemuxFile> file_;
-    std::vector<DemuxStream> streams_;   // of the file; decodable says whether a pin can carry it
-    std::array<SplitterPin*, 3> pins_{}; // by kind, owned by the list of pins
+    std::wstring currentPath;
+    std::unique_ptr<DemuxFile> file;
+    std::vector<DemuxStream> streams;   // of the file; decodable says whether a pin can carry it
+    std::array<SplitterPin*, 3> pins{}; // by kind, owned by the list of pins
 
-    PacketQueues queues_;
-    std::thread reader_;
-    bool streaming_ = false;
-    bool placed_ = true; // the file stands where the segment starts
+    PacketQueues queues;
+    std::thread reader;
+    bool streaming = false;
+    bool placed = true; // the file stands where the segment starts
 
-    BasePin::Segment segment_;     // stop 0: none was set
-    REFERENCE_TIME pausedAt_ = 0;  // stream time while paused
-    std::set<const void*> askers_; // who has asked for the present segment
-    std::atomic<DemuxTime> duration_{0};
+    BasePin::Segment segment;     // stop 0: none was set
+    REFERENCE_TIME pausedAt = 0;  // stream time while paused
+    std::set<const void*> askers; // who has asked for the present segment
+    std::atomic<DemuxTime> duration{0};
 };
 
 } // namespace brindlecast

@@ -33,23 +33,24 @@ const wchar_t* PinName(StreamKind kind) {
 // An apartment for the delivery thread, since receivers may use COM on it.
 class ComApartment {
 public:
-    ComApartment() : entered_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))) {}
+    ComApartment() : entered(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))) {}
     ~ComApartment() {
-        if (entered_)
+        if (entered) {
             CoUninitialize();
+        }
     }
     ComApartment(const ComApartment&) = delete;
     ComApartment& operator=(const ComApartment&) = delete;
 
 private:
-    const bool entered_;
+    const bool entered;
 };
 
 } // namespace
 
-SplitterPin::SplitterPin(SplitterFilter& filter, StreamKind kind, int stream)
-    : OutputPin(filter, PinName(kind)), SourceSeeking(static_cast<SeekTarget&>(filter)), filter_(filter),
-      kind_(kind), stream_(stream), types_(filter.TypesOf(stream)) {}
+SplitterPin::SplitterPin(SplitterFilter& theFilter, StreamKind theKind, int stream)
+    : OutputPin(theFilter, PinName(theKind)), SourceSeeking(static_cast<SeekTarget&>(theFilter)),
+      filter(theFilter), kind(theKind), currentStream(stream), streamTypes(theFilter.TypesOf(stream)) {}
 
 SplitterPin::~SplitterPin() = default;
 
@@ -58,13 +59,13 @@ void* SplitterPin::FindInterface(REFIID iid) noexcept {
 }
 
 std::vector<MediaType> SplitterPin::PreferredTypes() {
-    const std::lock_guard lock(typesLock_);
-    return types_;
+    const std::lock_guard lock(typesLock);
+    return streamTypes;
 }
 
 HRESULT SplitterPin::CheckType(const MediaType& type) {
-    const std::lock_guard lock(typesLock_);
-    const bool offered = std::find(types_.begin(), types_.end(), type) != types_.end();
+    const std::lock_guard lock(typesLock);
+    const bool offered = std::find(streamTypes.begin(), streamTypes.end(), type) != streamTypes.end();
     return offered ? S_OK : VFW_E_TYPE_NOT_ACCEPTED;
 }
 
@@ -83,64 +84,72 @@ ALLOCATOR_PROPERTIES SplitterPin::BufferNeeds() {
 }
 
 HRESULT SplitterPin::SetStream(int stream) {
-    if (stream < 0 || stream == stream_) {
-        stream_ = stream;
+    if (stream < 0 || stream == currentStream) {
+        currentStream = stream;
         return S_OK;
     }
-    std::vector<MediaType> types = filter_.TypesOf(stream);
-    if (types.empty())
+    std::vector<MediaType> types = filter.TypesOf(stream);
+    if (types.empty()) {
         return VFW_E_TYPE_NOT_ACCEPTED;
+    }
     if (IsConnected() && !(types.front() == Type())) {
         const HRESULT result = ChangeType(types.front(), 0);
-        if (FAILED(result))
+        if (FAILED(result)) {
             return result;
+        }
     }
-    const std::lock_guard lock(typesLock_);
-    types_ = std::move(types);
-    stream_ = stream;
+    const std::lock_guard lock(typesLock);
+    streamTypes = std::move(types);
+    currentStream = stream;
     return S_OK;
 }
 
 HRESULT SplitterPin::OnConnected(IPin& receiver) {
     HRESULT result = OutputPin::OnConnected(receiver);
-    if (FAILED(result) || filter_.State() == State_Stopped)
+    if (FAILED(result) || filter.State() == State_Stopped) {
         return result;
+    }
     result = Activate();
-    if (SUCCEEDED(result))
-        filter_.OnConnectedWhileActive(*this);
+    if (SUCCEEDED(result)) {
+        filter.OnConnectedWhileActive(*this);
+    }
     return result;
 }
 
 void SplitterPin::OnDisconnected() {
-    if (IsDelivering())
-        filter_.OnDisconnectedWhileActive(*this);
+    if (IsDelivering()) {
+        filter.OnDisconnectedWhileActive(*this);
+    }
     OutputPin::OnDisconnected();
 }
 
 void SplitterPin::StartDelivery(const Segment& segment) {
-    running_ = segment;
-    discontinuity_ = true;
-    deliveredUpTo_ = segment.start;
-    finished_.Clear();
-    thread_ = std::thread([this] { Run(); });
+    running = segment;
+    discontinuity = true;
+    deliveredUpTo = segment.start;
+    finished.Clear();
+    thread = std::thread([this] { Run(); });
 }
 
 void SplitterPin::StopDelivery(bool flush) {
-    if (!thread_.joinable()) {
+    if (!thread.joinable()) {
         if (flush && IsConnected()) {
             DeliverBeginFlush();
             DeliverEndFlush();
         }
         return;
     }
-    if (!flush && !finished_.Wait(kPatience))
+    if (!flush && !finished.Wait(kPatience)) {
         flush = true; // blocked in a receiver that still runs
-    if (flush)
+    }
+    if (flush) {
         DeliverBeginFlush();
-    thread_.join();
-    thread_ = std::thread();
-    if (flush)
+    }
+    thread.join();
+    thread = std::thread();
+    if (flush) {
         DeliverEndFlush();
+    }
 }
 
 void SplitterPin::Run() noexcept {
@@ -148,31 +157,32 @@ void SplitterPin::Run() noexcept {
     try {
         DeliverPackets();
     } catch (...) {
-        filter_.Queues().Abandon(kind_);
+        filter.Queues().Abandon(kind);
         ReportFailure(E_OUTOFMEMORY);
     }
-    finished_.Set();
+    finished.Set();
 }
 
 void SplitterPin::DeliverPackets() {
-    DeliverNewSegment(running_);
+    DeliverNewSegment(running);
     for (;;) {
         SharedPacket packet;
-        const PacketQueues::PopResult popped = filter_.Queues().Pop(kind_, packet);
-        if (popped == PacketQueues::PopResult::Closed)
+        const PacketQueues::PopResult popped = filter.Queues().Pop(kind, packet);
+        if (popped == PacketQueues::PopResult::Closed) {
             return;
+        }
         const Outcome outcome =
             popped == PacketQueues::PopResult::End ? Outcome::End : DeliverPacket(*packet);
-        filter_.OnDelivered();
+        filter.OnDelivered();
         if (outcome == Outcome::End) {
-            filter_.Queues().Abandon(kind_);
+            filter.Queues().Abandon(kind);
             DeliverEndOfStream();
             return;
         }
         // A receiver of subtitles may refuse some: nothing depends on it.
-        if (outcome == Outcome::Refused && kind_ != StreamKind::Subtitle) {
-            filter_.Queues().Abandon(kind_);
-            ReportFailure(refusal_);
+        if (outcome == Outcome::Refused && kind != StreamKind::Subtitle) {
+            filter.Queues().Abandon(kind);
+            ReportFailure(refusal);
             return;
         }
     }
@@ -181,50 +191,62 @@ void SplitterPin::DeliverPackets() {
 // Whether a packet goes out at all: sound and subtitles from before the segment do not, nothing from behind
 // it does.
 SplitterPin::Outcome SplitterPin::Judge(const DemuxPacket& packet) const {
-    if (!packet.start)
+    if (!packet.start) {
         return Outcome::Delivered;
+    }
     const DemuxTime end = *packet.start + packet.duration;
-    if (kind_ == StreamKind::Audio && end <= running_.start - kSoundWarmUp)
+    if (kind == StreamKind::Audio && end <= running.start - kSoundWarmUp) {
         return Outcome::Skipped;
-    if (kind_ == StreamKind::Subtitle && packet.duration > 0 && end <= running_.start)
+    }
+    if (kind == StreamKind::Subtitle && packet.duration > 0 && end <= running.start) {
         return Outcome::Skipped;
-    if (*packet.start < running_.stop)
+    }
+    if (*packet.start < running.stop) {
         return Outcome::Delivered;
+    }
     // Pictures come in decoding order: what follows may be shown earlier, until the next keyframe.
-    return kind_ == StreamKind::Video && !packet.keyframe ? Outcome::Skipped : Outcome::End;
+    return kind == StreamKind::Video && !packet.keyframe ? Outcome::Skipped : Outcome::End;
 }
 
 SplitterPin::Outcome SplitterPin::DeliverPacket(const DemuxPacket& packet) {
     const Outcome judged = Judge(packet);
-    if (judged != Outcome::Delivered)
+    if (judged != Outcome::Delivered) {
         return judged;
+    }
     ComPtr<IMediaSample> sample;
-    refusal_ = GetBuffer(sample.GetAddressOf(), static_cast<LONG>(packet.Bytes()));
-    if (SUCCEEDED(refusal_))
-        refusal_ = Fill(*sample.Get(), packet);
-    if (SUCCEEDED(refusal_))
-        refusal_ = Deliver(sample.Get());
-    if (refusal_ != S_OK)
+    refusal = GetBuffer(sample.GetAddressOf(), static_cast<LONG>(packet.Bytes()));
+    if (SUCCEEDED(refusal)) {
+        refusal = Fill(*sample.Get(), packet);
+    }
+    if (SUCCEEDED(refusal)) {
+        refusal = Deliver(sample.Get());
+    }
+    if (refusal != S_OK) {
         return Outcome::Refused;
-    discontinuity_ = false;
-    if (packet.start)
-        deliveredUpTo_ = *packet.start + packet.duration;
+    }
+    discontinuity = false;
+    if (packet.start) {
+        deliveredUpTo = *packet.start + packet.duration;
+    }
     return Outcome::Delivered;
 }
 
 HRESULT SplitterPin::Fill(IMediaSample& sample, const DemuxPacket& packet) {
     BYTE* target = nullptr;
     HRESULT result = sample.GetPointer(&target);
-    if (FAILED(result))
+    if (FAILED(result)) {
         return result;
-    if (packet.Bytes() != 0)
+    }
+    if (packet.Bytes() != 0) {
         std::memcpy(target, packet.data->data, packet.Bytes());
+    }
     result = sample.SetActualDataLength(static_cast<LONG>(packet.Bytes()));
-    if (FAILED(result))
+    if (FAILED(result)) {
         return result;
+    }
     SetSampleTime(sample, packet);
     sample.SetSyncPoint(packet.keyframe);
-    sample.SetDiscontinuity(discontinuity_);
+    sample.SetDiscontinuity(discontinuity);
     AttachSideData(sample, packet);
     return S_OK;
 }
@@ -236,27 +258,31 @@ void SplitterPin::SetSampleTime(IMediaSample& sample, const DemuxPacket& packet)
         return;
     }
     const auto scaled = [&](DemuxTime time) {
-        const DemuxTime inSegment = time - running_.start;
-        return running_.rate == 1.0 ? inSegment
-                                    : static_cast<DemuxTime>(static_cast<double>(inSegment) / running_.rate);
+        const DemuxTime inSegment = time - running.start;
+        return running.rate == 1.0 ? inSegment
+                                   : static_cast<DemuxTime>(static_cast<double>(inSegment) / running.rate);
     };
     const DemuxTime end = *packet.start + packet.duration;
     REFERENCE_TIME start = scaled(*packet.start);
     REFERENCE_TIME stop = scaled(end);
     sample.SetTime(&start, packet.duration > 0 ? &stop : nullptr);
-    const bool before = packet.duration > 0 ? end <= running_.start : *packet.start < running_.start;
+    const bool before = packet.duration > 0 ? end <= running.start : *packet.start < running.start;
     sample.SetPreroll(before || packet.discard);
 }
 
 void SplitterPin::AttachSideData(IMediaSample& sample, const DemuxPacket& packet) const {
-    const DemuxStream& stream = filter_.StreamAt(packet.stream);
-    if (stream.sideData.empty() && packet.data->side_data_elems == 0)
+    const DemuxStream& stream = filter.StreamAt(packet.stream);
+    if (stream.sideData.empty() && packet.data->side_data_elems == 0) {
         return;
+    }
     ComPtr<ISampleSideData> sideData;
-    if (FAILED(sample.QueryInterface(kIidSampleSideData, reinterpret_cast<void**>(sideData.GetAddressOf()))))
+    if (FAILED(
+            sample.QueryInterface(kIidSampleSideData, reinterpret_cast<void**>(sideData.GetAddressOf())))) {
         return;
-    for (const auto& [type, bytes] : stream.sideData)
+    }
+    for (const auto& [type, bytes] : stream.sideData) {
         sideData->SetSideData(PacketSideDataKind(type), bytes.data(), static_cast<ULONG>(bytes.size()));
+    }
     for (int i = 0; i < packet.data->side_data_elems; ++i) {
         const AVPacketSideData& block = packet.data->side_data[i];
         sideData->SetSideData(PacketSideDataKind(block.type), block.data, static_cast<ULONG>(block.size));
@@ -268,9 +294,10 @@ void SplitterPin::AttachSideData(IMediaSample& sample, const DemuxPacket& packet
 void SplitterPin::ReportFailure(HRESULT result) {
     const bool expected = result == S_FALSE || result == VFW_E_WRONG_STATE || result == VFW_E_NOT_COMMITTED ||
                           result == VFW_E_NOT_CONNECTED || result == VFW_E_SAMPLE_REJECTED_EOS;
-    if (expected || filter_.State() == State_Stopped || kind_ == StreamKind::Subtitle)
+    if (expected || filter.State() == State_Stopped || kind == StreamKind::Subtitle) {
         return;
-    filter_.BaseFilter::Notify(EC_ERRORABORT, result, 0);
+    }
+    filter.BaseFilter::Notify(EC_ERRORABORT, result, 0);
     DeliverEndOfStream();
 }
 

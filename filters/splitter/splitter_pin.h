@@ -15,14 +15,14 @@ class SplitterFilter;
 // thread takes packets from the filter's queues and never takes that lock.
 class SplitterPin final : public OutputPin, public SourceSeeking {
 public:
-    SplitterPin(SplitterFilter& filter, StreamKind kind, int stream);
+    SplitterPin(SplitterFilter& theFilter, StreamKind theKind, int stream);
     ~SplitterPin() override;
 
     BRINDLECAST_COM_METHODS
 
-    [[nodiscard]] StreamKind Kind() const noexcept { return kind_; }
+    [[nodiscard]] StreamKind Kind() const noexcept { return kind; }
     // Position in the list of streams, -1 when its delivery is switched off.
-    [[nodiscard]] int Stream() const noexcept { return stream_; }
+    [[nodiscard]] int Stream() const noexcept { return currentStream; }
     // The stream that the pin stands for from now on. Its delivery must be stopped. A connected pin asks its
     // receiver first and fails with VFW_E_TYPE_NOT_ACCEPTED when that refuses. -1 switches off and leaves
     // the type.
@@ -33,16 +33,16 @@ public:
     // Waits for the thread. Its reader must be closed first. With `flush` the receiver is flushed around it;
     // without, only if the thread does not come out by itself.
     void StopDelivery(bool flush);
-    [[nodiscard]] bool IsDelivering() const noexcept { return thread_.joinable(); }
+    [[nodiscard]] bool IsDelivering() const noexcept { return thread.joinable(); }
     // End of the last packet delivered, in media time.
-    [[nodiscard]] DemuxTime DeliveredUpTo() const noexcept { return deliveredUpTo_.load(); }
+    [[nodiscard]] DemuxTime DeliveredUpTo() const noexcept { return deliveredUpTo.load(); }
 
 protected:
     void* FindInterface(REFIID iid) noexcept override;
     std::vector<MediaType> PreferredTypes() override;
     HRESULT CheckType(const MediaType& type) override;
     ALLOCATOR_PROPERTIES BufferNeeds() override;
-    bool ConnectsWhileActive() const override { return kind_ == StreamKind::Subtitle; }
+    bool ConnectsWhileActive() const override { return kind == StreamKind::Subtitle; }
     HRESULT OnConnected(IPin& receiver) override;
     void OnDisconnected() override;
 
@@ -58,18 +58,18 @@ private:
     void AttachSideData(IMediaSample& sample, const DemuxPacket& packet) const;
     void ReportFailure(HRESULT result);
 
-    SplitterFilter& filter_;
-    const StreamKind kind_;
-    int stream_;
-    std::mutex typesLock_; // leaf lock: QueryAccept comes from any thread
-    std::vector<MediaType> types_;
+    SplitterFilter& filter;
+    const StreamKind kind;
+    int currentStream;
+    std::mutex typesLock; // leaf lock: QueryAccept comes from any thread
+    std::vector<MediaType> streamTypes;
 
-    std::thread thread_;
-    Event finished_{Event::Reset::Manual, true};
-    Segment running_; // the thread's segment
-    bool discontinuity_ = false;
-    HRESULT refusal_ = S_OK;
-    std::atomic<DemuxTime> deliveredUpTo_{0};
+    std::thread thread;
+    Event finished{Event::Reset::Manual, true};
+    Segment running; // the thread's segment
+    bool discontinuity = false;
+    HRESULT refusal = S_OK;
+    std::atomic<DemuxTime> deliveredUpTo{0};
 };
 
 } // namespace brindlecast

@@ -67,12 +67,12 @@ protected:
     virtual void OnLimitsChanged() = 0;
 
 private:
-    std::mutex mutex_; // leaf lock
-    std::wstring languages_;
-    std::wstring subtitleLanguages_;
-    int subtitleMode_ = kLavSubtitleModeNone;
-    DWORD queueMegabytes_ = 256;
-    DWORD queuePackets_ = 500;
+    std::mutex mutex; // leaf lock
+    std::wstring audioLanguages;
+    std::wstring subtitleLanguages;
+    int subtitleMode = kLavSubtitleModeNone;
+    DWORD queueMegabytes = 256;
+    DWORD queuePackets = 500;
 };
 
 } // namespace brindlecast

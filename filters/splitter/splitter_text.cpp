@@ -22,11 +22,13 @@ std::wstring Wide(const std::string& utf8) {
 }
 
 HRESULT TaskMemString(const std::wstring& text, LPWSTR* target) {
-    if (target == nullptr)
+    if (target == nullptr) {
         return E_POINTER;
+    }
     *target = static_cast<LPWSTR>(CoTaskMemAlloc((text.size() + 1) * sizeof(wchar_t)));
-    if (*target == nullptr)
+    if (*target == nullptr) {
         return E_OUTOFMEMORY;
+    }
     std::copy_n(text.c_str(), text.size() + 1, *target);
     return S_OK;
 }

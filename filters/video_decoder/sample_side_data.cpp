@@ -26,17 +26,17 @@ Microsoft::WRL::ComPtr<ISampleSideData> HolderOf(IMediaSample& sample) {
 
 } // namespace
 
-InputSideData::InputSideData(IMediaSample& sample) : holder_(HolderOf(sample)) {
-    const ULONG count = holder_ ? holder_->GetSideDataCount() : 0;
+InputSideData::InputSideData(IMediaSample& sample) : holder(HolderOf(sample)) {
+    const ULONG count = holder ? holder->GetSideDataCount() : 0;
     for (ULONG i = 0; i < count; ++i) {
         GUID kind{};
         const BYTE* data = nullptr;
         ULONG size = 0;
-        if (FAILED(holder_->GetSideDataKind(i, &kind)) || FAILED(holder_->GetSideData(kind, &data, &size))) {
+        if (FAILED(holder->GetSideDataKind(i, &kind)) || FAILED(holder->GetSideData(kind, &data, &size))) {
             continue;
         }
         if (const auto type = PacketSideDataType(kind)) {
-            blocks_.push_back({static_cast<AVPacketSideDataType>(*type), {data, size}});
+            blocks.push_back({static_cast<AVPacketSideDataType>(*type), {data, size}});
         }
     }
 }

@@ -14,11 +14,11 @@ class InputSideData {
 public:
     explicit InputSideData(IMediaSample& sample);
 
-    [[nodiscard]] std::span<const CodecSideData> blocks() const { return blocks_; }
+    [[nodiscard]] std::span<const CodecSideData> Blocks() const { return blocks; }
 
 private:
-    Microsoft::WRL::ComPtr<ISampleSideData> holder_;
-    std::vector<CodecSideData> blocks_;
+    Microsoft::WRL::ComPtr<ISampleSideData> holder;
+    std::vector<CodecSideData> blocks;
 };
 
 // Hands what the renderer needs to know of a picture beyond its type (rotation, mastering display, light

@@ -16,19 +16,14 @@ using Microsoft::WRL::ComPtr;
 constexpr LONG kOutputBuffers = 3;
 constexpr LONG kOutputAlignment = 64;
 
-struct ParametersDeleter {
-    void operator()(AVCodecParameters* parameters) const noexcept { avcodec_parameters_free(&parameters); }
-};
-using ParametersPtr = std::unique_ptr<AVCodecParameters, ParametersDeleter>;
-
 REFERENCE_TIME FrameDurationOf(const MediaType& type) {
     REFERENCE_TIME duration = 0;
     if (const auto* info = type.Format<VIDEOINFOHEADER2>(FORMAT_VideoInfo2)) {
         duration = info->AvgTimePerFrame;
-    } else if (const auto* info = type.Format<VIDEOINFOHEADER>(FORMAT_VideoInfo)) {
-        duration = info->AvgTimePerFrame;
-    } else if (const auto* info = type.Format<MPEG2VIDEOINFO>(FORMAT_MPEG2Video)) {
-        duration = info->hdr.AvgTimePerFrame;
+    } else if (const auto* oldInfo = type.Format<VIDEOINFOHEADER>(FORMAT_VideoInfo)) {
+        duration = oldInfo->AvgTimePerFrame;
+    } else if (const auto* mpegInfo = type.Format<MPEG2VIDEOINFO>(FORMAT_MPEG2Video)) {
+        duration = mpegInfo->hdr.AvgTimePerFrame;
     }
     return std::clamp<REFERENCE_TIME>(duration, 0, 60 * kTime100nsPerSecond);
 }
@@ -67,7 +62,7 @@ int VideoDecoderFilter::GetPictureRotation() {
 }
 
 STDMETHODIMP_(LPCWSTR) VideoDecoderFilter::GetActiveDecoderName() {
-    return hasDecoder_ ? L"avcodec" : nullptr;
+    return hasDecoder ? L"avcodec" : nullptr;
 }
 
 STDMETHODIMP VideoDecoderFilter::GetHWAccelActiveDevice(BSTR* device) {
@@ -93,41 +88,41 @@ HRESULT VideoDecoderFilter::OnInputType(const MediaType& type) {
     if (!parameters) {
         return VFW_E_TYPE_NOT_ACCEPTED;
     }
-    if (decoder_ && State() != State_Stopped) {
+    if (decoder && State() != State_Stopped) {
         const HRESULT drained = Drain();
         if (drained != S_OK) {
             return drained;
         }
     }
     const REFERENCE_TIME frameDuration = FrameDurationOf(type);
-    auto decoder = VideoDecoder::Create(*parameters, frameDuration, threads());
-    if (!decoder) {
+    auto newDecoder = VideoDecoder::Create(*parameters, frameDuration, Threads());
+    if (!newDecoder) {
         return VFW_E_TYPE_NOT_ACCEPTED;
     }
-    decoder->StartSegment(rate_);
-    containerAspect_ = parameters->sample_aspect_ratio;
+    newDecoder->StartSegment(rate);
+    containerAspect = parameters->sample_aspect_ratio;
     if (!Output().IsConnected()) {
-        SetExpected(
-            {ShapeOf(*parameters, decoder->context()), ExpectedFormat(decoder->context()), frameDuration});
+        SetExpected({ShapeOf(*parameters, newDecoder->Context()), ExpectedFormat(newDecoder->Context()),
+                     frameDuration});
     }
-    decoder_ = std::move(decoder);
-    hasDecoder_ = true;
+    decoder = std::move(newDecoder);
+    hasDecoder = true;
     return S_OK;
 }
 
 void VideoDecoderFilter::OnInputDisconnected() {
-    hasDecoder_ = false;
-    decoder_.reset();
+    hasDecoder = false;
+    decoder.reset();
 }
 
 VideoDecoderFilter::Expected VideoDecoderFilter::CurrentExpected() {
-    const std::lock_guard lock(expectedLock_);
-    return expected_;
+    const std::lock_guard lock(expectedLock);
+    return currentExpected;
 }
 
 void VideoDecoderFilter::SetExpected(const Expected& expected) {
-    const std::lock_guard lock(expectedLock_);
-    expected_ = expected;
+    const std::lock_guard lock(expectedLock);
+    currentExpected = expected;
 }
 
 std::vector<PixelFormat> VideoDecoderFilter::EnabledFormats(AVPixelFormat source) const {
@@ -159,12 +154,12 @@ HRESULT VideoDecoderFilter::OnOutputType(const MediaType& type) {
     if (!buffer) {
         return VFW_E_TYPE_NOT_ACCEPTED;
     }
-    target_ = *buffer;
+    target = *buffer;
     return S_OK;
 }
 
 ALLOCATOR_PROPERTIES VideoDecoderFilter::OutputBuffers() {
-    const std::size_t bytes = PictureBytes(target_.format, target_.rowPixels, target_.rows);
+    const std::size_t bytes = PictureBytes(target.format, target.rowPixels, target.rows);
     return {kOutputBuffers, static_cast<LONG>(bytes), kOutputAlignment, 0};
 }
 
@@ -178,10 +173,10 @@ void VideoDecoderFilter::OnStop() {
 }
 
 void VideoDecoderFilter::Reset() {
-    if (decoder_) {
-        decoder_->Flush();
+    if (decoder) {
+        decoder->Flush();
     }
-    discontinuity_ = true;
+    discontinuity = true;
 }
 
 HRESULT VideoDecoderFilter::OnSegment(const BasePin::Segment& segment) {
@@ -192,16 +187,16 @@ HRESULT VideoDecoderFilter::OnSegment(const BasePin::Segment& segment) {
             return drained;
         }
     }
-    rate_ = segment.rate;
-    if (decoder_) {
-        decoder_->StartSegment(rate_);
+    rate = segment.rate;
+    if (decoder) {
+        decoder->StartSegment(rate);
     }
-    discontinuity_ = true;
+    discontinuity = true;
     return TransformFilter::OnSegment(segment);
 }
 
 HRESULT VideoDecoderFilter::Process(IMediaSample& sample) {
-    if (!decoder_) {
+    if (!decoder) {
         return VFW_E_NOT_CONNECTED;
     }
     BYTE* data = nullptr;
@@ -214,7 +209,7 @@ HRESULT VideoDecoderFilter::Process(IMediaSample& sample) {
     VideoPacket packet;
     packet.data = {data, static_cast<std::size_t>(std::max<LONG>(length, 0))};
     packet.keyframe = sample.IsSyncPoint() == S_OK;
-    packet.sideData = sideData.blocks();
+    packet.sideData = sideData.Blocks();
     REFERENCE_TIME start = 0;
     REFERENCE_TIME stop = 0;
     const HRESULT timed = sample.GetTime(&start, &stop);
@@ -222,22 +217,22 @@ HRESULT VideoDecoderFilter::Process(IMediaSample& sample) {
         packet.start = start;
         packet.stop = timed == S_OK ? stop : kNoTime;
     }
-    deliveryResult_ = S_OK;
-    decoder_->Decode(packet, [this](VideoFrame&& frame) { return Deliver(std::move(frame)); });
-    return deliveryResult_;
+    deliveryResult = S_OK;
+    decoder->Decode(packet, [this](VideoFrame&& frame) { return Deliver(std::move(frame)); });
+    return deliveryResult;
 }
 
 HRESULT VideoDecoderFilter::Drain() {
-    deliveryResult_ = S_OK;
-    if (decoder_) {
-        decoder_->Drain([this](VideoFrame&& frame) { return Deliver(std::move(frame)); });
+    deliveryResult = S_OK;
+    if (decoder) {
+        decoder->Drain([this](VideoFrame&& frame) { return Deliver(std::move(frame)); });
     }
-    return deliveryResult_;
+    return deliveryResult;
 }
 
 bool VideoDecoderFilter::Deliver(VideoFrame&& frame) {
-    deliveryResult_ = IsFlushing() ? S_FALSE : DeliverPicture(frame);
-    return deliveryResult_ == S_OK;
+    deliveryResult = IsFlushing() ? S_FALSE : DeliverPicture(frame);
+    return deliveryResult == S_OK;
 }
 
 HRESULT VideoDecoderFilter::DeliverPicture(const VideoFrame& frame) {
@@ -250,7 +245,7 @@ HRESULT VideoDecoderFilter::DeliverPicture(const VideoFrame& frame) {
         return result;
     }
     ComPtr<IMediaSample> sample;
-    auto bytes = PictureBytes(target_.format, target_.rowPixels, target_.rows);
+    auto bytes = PictureBytes(target.format, target.rowPixels, target.rows);
     result = Output().GetBuffer(sample.GetAddressOf(), static_cast<LONG>(bytes));
     if (FAILED(result)) {
         return IsFlushing() ? S_FALSE : result;
@@ -259,12 +254,12 @@ HRESULT VideoDecoderFilter::DeliverPicture(const VideoFrame& frame) {
     if (FAILED(result)) {
         return result;
     }
-    bytes = PictureBytes(target_.format, target_.rowPixels, target_.rows);
-    PictureBuffer buffer = target_;
+    bytes = PictureBytes(target.format, target.rowPixels, target.rows);
+    PictureBuffer buffer = target;
     if (FAILED(sample->GetPointer(&buffer.data)) || static_cast<std::size_t>(sample->GetSize()) < bytes) {
         return VFW_E_BUFFER_OVERFLOW;
     }
-    if (!writer_.Write(picture, buffer)) {
+    if (!writer.Write(picture, buffer)) {
         // A picture in a form that can't be shown is left out like a broken one.
         return S_OK;
     }
@@ -273,7 +268,7 @@ HRESULT VideoDecoderFilter::DeliverPicture(const VideoFrame& frame) {
     sample->SetTime(&start, &stop);
     sample->SetActualDataLength(static_cast<LONG>(bytes));
     sample->SetSyncPoint(TRUE);
-    sample->SetDiscontinuity(std::exchange(discontinuity_, false));
+    sample->SetDiscontinuity(std::exchange(discontinuity, false));
     result = CopySideData(picture, *sample.Get());
     return FAILED(result) ? result : Output().Deliver(sample.Get());
 }
@@ -283,13 +278,13 @@ HRESULT VideoDecoderFilter::FollowPicture(const AVFrame& picture) {
     const Expected old = CurrentExpected();
     Expected now = old;
     now.format = static_cast<AVPixelFormat>(picture.format);
-    now.shape = ShapeOf(picture, containerAspect_, aspectSource(), target_.format == PixelFormat::kRgb32);
-    std::vector<PixelFormat> formats = {target_.format};
+    now.shape = ShapeOf(picture, containerAspect, SourceOfAspect(), target.format == PixelFormat::kRgb32);
+    std::vector<PixelFormat> formats = {target.format};
     const std::vector<PixelFormat> preferred = EnabledFormats(now.format);
     const bool otherSource = now.format != old.format && preferred != EnabledFormats(old.format);
     if (otherSource) {
         formats = preferred;
-        formats.push_back(target_.format);
+        formats.push_back(target.format);
     } else if (LooksTheSame(old.shape, now.shape)) {
         return S_OK;
     }
@@ -309,7 +304,7 @@ HRESULT VideoDecoderFilter::Propose(const Expected& expected, const std::vector<
         const std::size_t bytes = PictureBytes(buffer->format, buffer->rowPixels, buffer->rows);
         const HRESULT result = Output().ChangeType(type, static_cast<LONG>(bytes));
         if (result == S_OK) {
-            target_ = *buffer;
+            target = *buffer;
             return S_OK;
         }
         if (result != VFW_E_TYPE_NOT_ACCEPTED) {

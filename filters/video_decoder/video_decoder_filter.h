@@ -67,17 +67,17 @@ private:
     HRESULT AdoptTypeOf(IMediaSample& sample);
 
     // Streaming lock, or while stopped.
-    std::unique_ptr<VideoDecoder> decoder_;
-    PictureWriter writer_;
-    AVRational containerAspect_{0, 1};
-    PictureBuffer target_;
-    double rate_ = 1.0;
-    bool discontinuity_ = true;
-    HRESULT deliveryResult_ = S_OK;
+    std::unique_ptr<VideoDecoder> decoder;
+    PictureWriter writer;
+    AVRational containerAspect{0, 1};
+    PictureBuffer target;
+    double rate = 1.0;
+    bool discontinuity = true;
+    HRESULT deliveryResult = S_OK;
 
-    std::atomic<bool> hasDecoder_{false};
-    std::mutex expectedLock_; // leaf lock
-    Expected expected_;
+    std::atomic<bool> hasDecoder{false};
+    std::mutex expectedLock; // leaf lock
+    Expected currentExpected;
 };
 
 } // namespace brindlecast

@@ -46,17 +46,17 @@ HRESULT OnlyOff(BOOL enabled) {
 
 VideoSettings::VideoSettings() {
     for (int number = 0; number < kLavPixelFormatCount; ++number) {
-        pixelFormats_[static_cast<std::size_t>(number)] = IsOffered(number);
+        pixelFormats[static_cast<std::size_t>(number)] = IsOffered(number);
     }
-    for (std::size_t codec = 0; codec < hardwareCodecs_.size(); ++codec) {
-        hardwareCodecs_[codec] = IsHardwareCodec(static_cast<int>(codec));
+    for (std::size_t codec = 0; codec < hardwareCodecs.size(); ++codec) {
+        hardwareCodecs[codec] = IsHardwareCodec(static_cast<int>(codec));
     }
 }
 
 bool VideoSettings::IsEnabled(PixelFormat format) const {
     for (const Offered& offered : kOffered) {
         if (offered.format == format) {
-            return pixelFormats_[offered.number];
+            return pixelFormats[offered.number];
         }
     }
     return false;
@@ -78,11 +78,11 @@ STDMETHODIMP VideoSettings::SetFormatConfiguration(int codec, BOOL enabled) {
     return enabled ? S_OK : E_NOTIMPL;
 }
 
-STDMETHODIMP VideoSettings::SetNumThreads(DWORD threads) {
-    if (threads > kMaxThreads) {
+STDMETHODIMP VideoSettings::SetNumThreads(DWORD newThreads) {
+    if (newThreads > kMaxThreads) {
         return E_INVALIDARG;
     }
-    threads_ = threads;
+    threads = newThreads;
     return S_OK;
 }
 
@@ -90,12 +90,12 @@ STDMETHODIMP VideoSettings::SetStreamAR(DWORD mode) {
     if (mode > static_cast<DWORD>(AspectSource::kAutomatic)) {
         return E_INVALIDARG;
     }
-    aspect_ = mode;
+    aspect = mode;
     return S_OK;
 }
 
 STDMETHODIMP_(BOOL) VideoSettings::GetPixelFormat(int format) {
-    return format >= 0 && format < kLavPixelFormatCount && pixelFormats_[static_cast<std::size_t>(format)];
+    return format >= 0 && format < kLavPixelFormatCount && pixelFormats[static_cast<std::size_t>(format)];
 }
 
 STDMETHODIMP VideoSettings::SetPixelFormat(int format, BOOL enabled) {
@@ -105,7 +105,7 @@ STDMETHODIMP VideoSettings::SetPixelFormat(int format, BOOL enabled) {
     if (!IsOffered(format)) {
         return OnlyOff(enabled);
     }
-    pixelFormats_[static_cast<std::size_t>(format)] = enabled != FALSE;
+    pixelFormats[static_cast<std::size_t>(format)] = enabled != FALSE;
     return S_OK;
 }
 
@@ -157,12 +157,12 @@ STDMETHODIMP VideoSettings::SetHWAccelCodec(int codec, BOOL enabled) {
     if (!IsHardwareCodec(codec)) {
         return E_INVALIDARG;
     }
-    hardwareCodecs_[static_cast<std::size_t>(codec)] = enabled != FALSE;
+    hardwareCodecs[static_cast<std::size_t>(codec)] = enabled != FALSE;
     return S_OK;
 }
 
 STDMETHODIMP_(BOOL) VideoSettings::GetHWAccelCodec(int codec) {
-    return IsHardwareCodec(codec) && hardwareCodecs_[static_cast<std::size_t>(codec)];
+    return IsHardwareCodec(codec) && hardwareCodecs[static_cast<std::size_t>(codec)];
 }
 
 STDMETHODIMP VideoSettings::SetHWAccelDeintMode(int) {
@@ -179,7 +179,7 @@ STDMETHODIMP VideoSettings::SetHWAccelResolutionFlags(DWORD flags) {
     if ((flags & ~DWORD{kLavHwResolutionSd | kLavHwResolutionHd | kLavHwResolutionUhd}) != 0) {
         return E_INVALIDARG;
     }
-    hardwareSizes_ = flags;
+    hardwareSizes = flags;
     return S_OK;
 }
 

@@ -17,10 +17,10 @@ public:
     STDMETHODIMP SetRuntimeConfig(BOOL runtime) override;
     STDMETHODIMP_(BOOL) GetFormatConfiguration(int codec) override;
     STDMETHODIMP SetFormatConfiguration(int codec, BOOL enabled) override;
-    STDMETHODIMP SetNumThreads(DWORD threads) override;
-    STDMETHODIMP_(DWORD) GetNumThreads() override { return threads_; }
+    STDMETHODIMP SetNumThreads(DWORD newThreads) override;
+    STDMETHODIMP_(DWORD) GetNumThreads() override { return threads; }
     STDMETHODIMP SetStreamAR(DWORD mode) override;
-    STDMETHODIMP_(DWORD) GetStreamAR() override { return aspect_; }
+    STDMETHODIMP_(DWORD) GetStreamAR() override { return aspect; }
     STDMETHODIMP_(BOOL) GetPixelFormat(int format) override;
     STDMETHODIMP SetPixelFormat(int format, BOOL enabled) override;
     STDMETHODIMP SetRGBOutputRange(DWORD range) override;
@@ -55,7 +55,7 @@ public:
     STDMETHODIMP SetDVDVideoSupport(BOOL enabled) override;
     STDMETHODIMP_(BOOL) GetDVDVideoSupport() override { return FALSE; }
     STDMETHODIMP SetHWAccelResolutionFlags(DWORD flags) override;
-    STDMETHODIMP_(DWORD) GetHWAccelResolutionFlags() override { return hardwareSizes_; }
+    STDMETHODIMP_(DWORD) GetHWAccelResolutionFlags() override { return hardwareSizes; }
     STDMETHODIMP SetTrayIcon(BOOL enabled) override;
     STDMETHODIMP_(BOOL) GetTrayIcon() override { return FALSE; }
     STDMETHODIMP SetDeinterlacingMode(int mode) override;
@@ -72,16 +72,16 @@ protected:
     VideoSettings();
     ~VideoSettings() = default;
 
-    [[nodiscard]] int threads() const { return static_cast<int>(threads_.load()); }
-    [[nodiscard]] AspectSource aspectSource() const { return static_cast<AspectSource>(aspect_.load()); }
+    [[nodiscard]] int Threads() const { return static_cast<int>(threads.load()); }
+    [[nodiscard]] AspectSource SourceOfAspect() const { return static_cast<AspectSource>(aspect.load()); }
     [[nodiscard]] bool IsEnabled(PixelFormat format) const;
 
 private:
-    std::atomic<DWORD> threads_{0};
-    std::atomic<DWORD> aspect_{static_cast<DWORD>(AspectSource::kAutomatic)};
-    std::atomic<DWORD> hardwareSizes_{kLavHwResolutionSd | kLavHwResolutionHd | kLavHwResolutionUhd};
-    std::array<std::atomic<bool>, kLavPixelFormatCount> pixelFormats_;
-    std::array<std::atomic<bool>, kLavHwCodecAv1 + 1> hardwareCodecs_;
+    std::atomic<DWORD> threads{0};
+    std::atomic<DWORD> aspect{static_cast<DWORD>(AspectSource::kAutomatic)};
+    std::atomic<DWORD> hardwareSizes{kLavHwResolutionSd | kLavHwResolutionHd | kLavHwResolutionUhd};
+    std::array<std::atomic<bool>, kLavPixelFormatCount> pixelFormats;
+    std::array<std::atomic<bool>, kLavHwCodecAv1 + 1> hardwareCodecs;
 };
 
 } // namespace brindlecast

@@ -87,6 +87,13 @@ def film_mkv(k):
     k.film("film.mkv", b_frames=0)
 
 
+def reference_frame(k):
+    """Frame 50 of film.mkv as another decoder shows it: rows of B, G, R, 255."""
+    k.ffmpeg(["-i", k.folder / "film.mkv", "-vf",
+              "select=eq(n\\,50),scale=in_color_matrix=bt709:in_range=tv:flags=accurate_rnd+full_chroma_int+bicubic,"
+              "format=bgra", "-frames:v", "1", "-f", "rawvideo", k.folder / "film_frame_50.bgra"])
+
+
 def film_mp4(k):
     k.film("film.mp4")
 
@@ -192,6 +199,15 @@ def tracks(k):
     k.film("tracks.mkv", tones=(440, 550, 880), seconds=10, inputs=[k.work / name for name in texts], options=options)
 
 
+def tracks_mixed(k):
+    """Sound tracks that differ in everything: codec, channels, rate. The steady tone stands on the left."""
+    options = ["-c:a:1", "flac", "-filter:a:1", "pan=mono|c0=c0,aresample=44100",
+               "-c:a:2", "ac3", "-filter:a:2", "pan=5.1|FL=c0|FR=c1"]
+    for index, language in enumerate(["kor", "eng", "jpn"]):
+        options += [f"-metadata:s:a:{index}", f"language={language}"]
+    k.film("tracks_mixed.mkv", tones=(440, 550, 880), seconds=20, options=options)
+
+
 def no_cues(k):
     """film.mkv with its index overwritten by filler of the same length; duration and the rest stay."""
     data = bytearray((k.folder / "film.mkv").read_bytes())
@@ -234,7 +250,7 @@ def broken(k):
 
 def groups():
     return [
-        [film_1080p, film_mkv, film_mp4, tracks, songs, silent_mkv, silent_mp4, short_mkv, second_mkv, korean_film,
+        [film_1080p, film_mkv, film_mp4, tracks, tracks_mixed, songs, silent_mkv, silent_mp4, short_mkv, second_mkv, korean_film,
          anamorphic, rotated, film_bt601, film_fullrange, live_mkv, faststart_mp4],
-        [no_cues, broken],
+        [no_cues, reference_frame, broken],
     ]

@@ -78,7 +78,7 @@ protected:
 
 TEST_P(VideoDecoderCodecs, DecodesEveryPictureInOrder) {
     ExpectPictures(DecodeFrom(*decoder, stream, 0, 0), stream, 0, 0);
-    EXPECT_EQ(decoder->brokenPackets(), 0);
+    EXPECT_EQ(decoder->BrokenPackets(), 0);
 }
 
 TEST_P(VideoDecoderCodecs, FirstPictureComesWithTheFirstPacketAfterAStartAndEverySeek) {
@@ -162,7 +162,7 @@ TEST_P(VideoDecoderCodecs, BrokenDataCostsPicturesAndNothingElse) {
 
 INSTANTIATE_TEST_SUITE_P(Codecs, VideoDecoderCodecs,
                          ::testing::Values(AV_CODEC_ID_H264, AV_CODEC_ID_MPEG4, AV_CODEC_ID_MPEG2VIDEO),
-                         [](const auto& info) { return std::string(avcodec_get_name(info.param)); });
+                         [](const auto& codec) { return std::string(avcodec_get_name(codec.param)); });
 
 TEST(VideoDecoder, TimesWithARateAreTheSegmentsOwn) {
     const VideoTestStream stream = MakeVideoTestStream({});
@@ -217,8 +217,34 @@ TEST(VideoDecoder, APictureRoundedToJustBeforeTheSegmentIsShown) {
     decoder->StartSegment(1.0);
     ExpectPictures(DecodeFrom(*decoder, stream, keyframes[1], start), stream, 10, start);
     decoder->StartSegment(1.0);
-    const Time100ns later = 10 * stream.frameDuration + 10'001;
-    ExpectPictures(DecodeFrom(*decoder, stream, keyframes[1], later), stream, 11, later);
+    // The next one, as far behind the start, is the first of the segment: nothing stands before it.
+    const Time100ns early = 11 * stream.frameDuration - 9'999;
+    decoder->StartSegment(1.0);
+    ExpectPictures(DecodeFrom(*decoder, stream, keyframes[1], early), stream, 11, early);
+}
+
+TEST(VideoDecoder, ThePictureThatStandsWhenTheSegmentStartsIsShownUntilTheNext) {
+    const VideoTestStream stream = MakeVideoTestStream({});
+    const auto decoder = VideoDecoder::Create(*stream.parameters, stream.frameDuration, 1);
+    ASSERT_TRUE(decoder);
+    const Time100ns start = 14 * stream.frameDuration + stream.frameDuration / 2;
+    decoder->StartSegment(1.0);
+    const Decoded decoded = DecodeFrom(*decoder, stream, KeyframePackets(stream)[1], start);
+    ExpectPictures(decoded, stream, 14, start);
+    EXPECT_EQ(decoded.frames[0].stop, 15 * stream.frameDuration - start);
+}
+
+TEST(VideoDecoder, BehindTheLastPictureTheLastOneIsShown) {
+    const VideoTestStream stream = MakeVideoTestStream({});
+    const auto decoder = VideoDecoder::Create(*stream.parameters, stream.frameDuration, 1);
+    ASSERT_TRUE(decoder);
+    const auto last = stream.pictures.size() - 1;
+    const Time100ns start = static_cast<Time100ns>(last + 5) * stream.frameDuration;
+    decoder->StartSegment(1.0);
+    const Decoded decoded = DecodeFrom(*decoder, stream, KeyframePackets(stream).back(), start);
+    ASSERT_EQ(decoded.frames.size(), 1U);
+    EXPECT_EQ(decoded.frames[0].start, stream.pictures[last]->pts - start);
+    EXPECT_EQ(decoded.frames[0].stop, 1) << "it is not over yet, or nothing would be shown";
 }
 
 TEST(VideoDecoder, RefusesWhatItCanNotDecode) {

@@ -8,11 +8,6 @@
 
 namespace brindlecast {
 
-struct ParametersDeleter {
-    void operator()(AVCodecParameters* parameters) const noexcept { avcodec_parameters_free(&parameters); }
-};
-using ParametersPtr = std::unique_ptr<AVCodecParameters, ParametersDeleter>;
-
 struct EncodedPacket {
     std::vector<std::uint8_t> bytes;
     Time100ns start = 0;

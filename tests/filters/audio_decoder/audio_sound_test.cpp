@@ -157,8 +157,8 @@ INSTANTIATE_TEST_SUITE_P(Files, AudioSongs,
                                            Song{L"song.mp3", SampleKind::kFloat32, "mp3"},
                                            Song{L"song_cover.m4a", SampleKind::kFloat32, "aac"},
                                            Song{L"film.mkv", SampleKind::kFloat32, "aac", -0.021}),
-                         [](const auto& info) {
-                             return std::string(info.param.codec) + std::to_string(info.index);
+                         [](const auto& song) {
+                             return std::string(song.param.codec) + std::to_string(song.index);
                          });
 
 TEST(AudioSound, ASegmentWithARateCountsItsTimeByIt) {

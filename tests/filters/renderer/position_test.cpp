@@ -62,5 +62,23 @@ TEST(PositionTest, FollowsFrameThenClock) {
     EXPECT_TRUE(PumpUntil([&] { return PositionOf(bench) == 101'200'000; }, 2000)) << PositionOf(bench);
 }
 
+// A seek has moved on, its segment is still on its way: the old place is no answer, the source is asked.
+TEST(PositionTest, AsksTheSourceBetweenFlushAndSegment) {
+    PictureKind kind;
+    RendererBench bench(kind);
+    bench.AttachWindow();
+    ASSERT_TRUE(SUCCEEDED(bench.graph->Pause()));
+    bench.source->Pin().DeliverNewSegment({100'000'000, 1'000'000'000, 1.0});
+    EXPECT_EQ(PositionOf(bench), 100'000'000);
+    ASSERT_EQ(bench.source->Pin().DeliverBeginFlush(), S_OK);
+    // From a streaming thread that has not seen the flush yet.
+    bench.source->Pin().DeliverNewSegment({200'000'000, 1'000'000'000, 1.0});
+    ASSERT_EQ(bench.source->Pin().DeliverEndFlush(), S_OK);
+    LONGLONG position = 0;
+    EXPECT_EQ(bench.seeking->GetCurrentPosition(&position), E_NOTIMPL) << "this source can't tell";
+    bench.source->Pin().DeliverNewSegment({300'000'000, 1'000'000'000, 1.0});
+    EXPECT_EQ(PositionOf(bench), 300'000'000);
+}
+
 } // namespace
 } // namespace brindlecast::test

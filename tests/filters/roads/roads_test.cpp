@@ -1,28 +1,19 @@
-#include "base/trace.h"
 #include "engine/graph_pins.h"
-#include "engine/player_engine.h"
 #include "engine/stream_select.h"
 #include "filters/include/lav_audio.h"
 #include "filters/include/lav_video.h"
-#include "tests/support/fake_settings_store.h"
+#include "tests/e2e/waits.h"
+#include "tests/filters/roads/road_fixture.h"
 
-#include <gtest/gtest.h>
-
-#include <evcode.h>
 #include <uuids.h>
 
 #include <algorithm>
 #include <array>
-#include <chrono>
-#include <functional>
-#include <memory>
-#include <thread>
 
-namespace brindlecast {
+namespace brindlecast::testing {
 namespace {
 
 using std::chrono::milliseconds;
-using testing::FakeSettingsStore;
 
 // Makes GUIDs of the filters in a graph comparable as a whole, whatever their order.
 std::vector<std::wstring> SortedNames(std::vector<CLSID> identifiers) {
@@ -36,28 +27,8 @@ std::vector<std::wstring> SortedNames(std::vector<CLSID> identifiers) {
     return names;
 }
 
-class RoadTest : public ::testing::Test {
+class Roads : public RoadTest {
 protected:
-    void SetUp() override {
-        store.values[L"AudioNormalize"] = 0U;
-        SetTraceSink([this](std::wstring_view line) { lines.emplace_back(line); });
-        host = CreateWindowExW(0, L"STATIC", L"host", WS_POPUP | WS_VISIBLE, 0, 0, 640, 480, nullptr, nullptr,
-                               nullptr, nullptr);
-        engine = std::make_unique<PlayerEngine>(store);
-        engine->videoHost = host;
-    }
-    void TearDown() override {
-        engine.reset();
-        DestroyWindow(host);
-        SetTraceSink({});
-    }
-
-    [[nodiscard]] bool Open(const wchar_t* name) {
-        std::array<wchar_t, 1024> folder{};
-        GetEnvironmentVariableW(L"BRINDLECAST_MEDIA", folder.data(), static_cast<DWORD>(folder.size()));
-        return engine->OpenFile(std::wstring(folder.data()) + L"\\" + name);
-    }
-
     [[nodiscard]] std::vector<std::wstring> FiltersInGraph() const {
         std::vector<CLSID> identifiers;
         ComPtr<IEnumFilters> filters;
@@ -82,41 +53,10 @@ protected:
         return names;
     }
 
-    [[nodiscard]] bool Traced(const std::wstring& line) const { return std::ranges::count(lines, line) > 0; }
     [[nodiscard]] std::ptrdiff_t Builds() const {
         return std::ranges::count_if(lines, [](const std::wstring& line) {
             return line.find(L"Connection status") != std::wstring::npos;
         });
-    }
-
-    // Serves window messages until the graph has told its end.
-    [[nodiscard]] bool WaitForEnd(milliseconds limit) const {
-        return PumpUntil(limit, [this] {
-            long code = 0;
-            LONG_PTR first = 0;
-            LONG_PTR second = 0;
-            while (SUCCEEDED(engine->events->GetEvent(&code, &first, &second, 0))) {
-                engine->events->FreeEventParams(code, first, second);
-                if (code == EC_COMPLETE) {
-                    return true;
-                }
-            }
-            return false;
-        });
-    }
-
-    static bool PumpUntil(milliseconds limit, const std::function<bool()>& condition) {
-        const auto end = std::chrono::steady_clock::now() + limit;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > end) {
-                return false;
-            }
-            for (MSG message{}; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE;) {
-                DispatchMessageW(&message);
-            }
-            std::this_thread::sleep_for(milliseconds(5));
-        }
-        return true;
     }
 
     // Runs for a while and tells how far the position went, in seconds, and how long it took.
@@ -128,18 +68,13 @@ protected:
         EXPECT_TRUE(PumpUntil(milliseconds(5000), [this] { return engine->GetPosition() > 0.1; }));
         const auto start = std::chrono::steady_clock::now();
         const Seconds from = engine->GetPosition();
-        static_cast<void>(PumpUntil(time, [] { return false; }));
+        PumpFor(time);
         const Seconds to = engine->GetPosition();
         return {to - from, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count()};
     }
-
-    FakeSettingsStore store;
-    std::vector<std::wstring> lines;
-    HWND host = nullptr;
-    std::unique_ptr<PlayerEngine> engine;
 };
 
-TEST_F(RoadTest, AFilmWithThreeSoundAndFourSubtitleTracksIsConnectedWhole) {
+TEST_F(Roads, AFilmWithThreeSoundAndFourSubtitleTracksIsConnectedWhole) {
     ASSERT_TRUE(Open(L"tracks.mkv"));
     EXPECT_EQ(SplitterPins(), (std::vector<std::wstring>{L"Video", L"Audio"}));
     EXPECT_EQ(FiltersInGraph(),
@@ -163,7 +98,7 @@ TEST_F(RoadTest, AFilmWithThreeSoundAndFourSubtitleTracksIsConnectedWhole) {
     EXPECT_NEAR(progress.position, progress.clock, 0.05);
 }
 
-TEST_F(RoadTest, SoundWithCoverArtIsBuiltTwiceAndPlaysToItsEnd) {
+TEST_F(Roads, SoundWithCoverArtIsBuiltTwiceAndPlaysToItsEnd) {
     ASSERT_TRUE(Open(L"song_cover.mp3"));
     EXPECT_EQ(SplitterPins(), std::vector<std::wstring>{L"Audio"});
     EXPECT_FALSE(engine->hasVideo);
@@ -180,7 +115,7 @@ TEST_F(RoadTest, SoundWithCoverArtIsBuiltTwiceAndPlaysToItsEnd) {
     EXPECT_TRUE(WaitForEnd(milliseconds(6000)));
 }
 
-TEST_F(RoadTest, AFilmWithoutSoundLosesTheSoundFiltersAndRunsInRealTime) {
+TEST_F(Roads, AFilmWithoutSoundLosesTheSoundFiltersAndRunsInRealTime) {
     ASSERT_TRUE(Open(L"silent.mkv"));
     EXPECT_EQ(SplitterPins(), std::vector<std::wstring>{L"Video"});
     EXPECT_EQ(FiltersInGraph(), SortedNames({kClsidLavSplitterSource, kClsidLavVideo, kClsidAudioSwitcher,
@@ -194,21 +129,19 @@ TEST_F(RoadTest, AFilmWithoutSoundLosesTheSoundFiltersAndRunsInRealTime) {
     EXPECT_TRUE(WaitForEnd(milliseconds(6000)));
 }
 
-TEST_F(RoadTest, SeeksLandOnKeyframesAndCyclesLeaveNothing) {
+TEST_F(Roads, SeeksLandOnKeyframesAndCyclesLeaveNothing) {
     for (int cycle = 0; cycle < 10; ++cycle) {
         ASSERT_TRUE(Open(cycle % 2 == 0 ? L"film.mkv" : L"film.mp4"));
         ASSERT_TRUE(engine->Play());
         EXPECT_TRUE(engine->Seek(8.9));
         const Seconds keyFrame = static_cast<Seconds>(engine->keyFrames[4]) / 1e7;
-        // The new segment is on its way when the call returns.
-        EXPECT_TRUE(PumpUntil(milliseconds(3000), [&] {
-            const Seconds position = engine->GetPosition();
-            return position >= keyFrame - 0.001 && position < keyFrame + 0.5;
-        })) << engine->GetPosition();
+        const Seconds position = engine->GetPosition();
+        EXPECT_GE(position, keyFrame - 0.001);
+        EXPECT_LT(position, keyFrame + 0.5);
         engine->CloseGraph();
         EXPECT_EQ(GetWindow(host, GW_CHILD), nullptr) << "the renderer's window goes with its graph";
     }
 }
 
 } // namespace
-} // namespace brindlecast
+} // namespace brindlecast::testing

@@ -55,6 +55,46 @@ TEST(SplitterSelect, AnotherSoundTrackIsHeardWithin300MillisecondsAndThePictureI
     rig.video->Block(false);
 }
 
+TEST(SplitterSelect, WhileRunningTheNewTrackBeginsAtTheTimeThatItIs) {
+    for (const double rate : {1.0, 2.0}) {
+        SplitterRig rig(true);
+        rig.Open(L"tracks_mixed.mkv");
+        rig.graph->UseSystemClock();
+        ASSERT_EQ(rig.seeking->SetRate(rate), S_OK);
+        rig.video->Block(true);
+        rig.audio->Block(true);
+        ASSERT_TRUE(SUCCEEDED(rig.graph->Run()));
+        const auto position = [&] {
+            LONGLONG now = 0;
+            EXPECT_EQ(rig.seeking->GetCurrentPosition(&now), S_OK);
+            return now;
+        };
+        // The clock runs on although nothing is taken.
+        while (position() < 2000 * kMillisecond) {
+            Sleep(5);
+        }
+        rig.audio->Block(false);
+        rig.audio->Clear();
+        const LONGLONG before = position();
+        ASSERT_EQ(rig.streams->Enable(2, AMSTREAMSELECTENABLE_ENABLE), S_OK);
+        const LONGLONG after = position();
+        ASSERT_TRUE(rig.audio->WaitFor([](const auto& events) {
+            bool segment = false;
+            return std::any_of(events.begin(), events.end(), [&](const auto& event) {
+                segment = segment || event.kind == Kind::NewSegment;
+                return segment && event.kind == Kind::Sample;
+            });
+        }));
+        const Sample first = rig.audio->SamplesOfSegment().front();
+        const auto media = static_cast<LONGLONG>(static_cast<double>(*first.start) * rate);
+        // Packets are long, and decoders need a little of what came before.
+        EXPECT_GE(media, before - 150 * kMillisecond) << rate;
+        EXPECT_LE(media, after + 300 * kMillisecond) << rate;
+        EXPECT_EQ(rig.video->Count(Kind::BeginFlush), 0u);
+        rig.video->Block(false);
+    }
+}
+
 TEST(SplitterSelect, SwitchingForthAndBackPlaysToTheEnd) {
     SplitterRig rig;
     rig.Open(L"tracks.mkv");

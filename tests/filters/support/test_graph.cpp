@@ -38,11 +38,23 @@ HRESULT TestGraph::ConnectDirect(IPin* from, IPin* to, const MediaType* type) {
     return graph_->ConnectDirect(from, to, type != nullptr ? &type->Get() : nullptr);
 }
 
-void TestGraph::RemoveClock() {
+void TestGraph::SetClock(IReferenceClock* clock) {
     ComPtr<IMediaFilter> filter;
     Require(graph_->QueryInterface(IID_IMediaFilter, reinterpret_cast<void**>(filter.GetAddressOf())),
             "IMediaFilter");
-    Require(filter->SetSyncSource(nullptr), "SetSyncSource");
+    Require(filter->SetSyncSource(clock), "SetSyncSource");
+}
+
+void TestGraph::RemoveClock() {
+    SetClock(nullptr);
+}
+
+void TestGraph::UseSystemClock() {
+    ComPtr<IReferenceClock> clock;
+    Require(CoCreateInstance(CLSID_SystemClock, nullptr, CLSCTX_INPROC_SERVER, IID_IReferenceClock,
+                             reinterpret_cast<void**>(clock.GetAddressOf())),
+            "the system's clock");
+    SetClock(clock.Get());
 }
 
 HRESULT TestGraph::Run() {

@@ -23,6 +23,8 @@ public:
     HRESULT ConnectDirect(IPin* from, IPin* to, const MediaType* type = nullptr);
     // Runs without a reference clock when called: renderers do not wait.
     void RemoveClock();
+    // Runs by the system's clock.
+    void UseSystemClock();
 
     HRESULT Run();
     HRESULT Pause();
@@ -35,6 +37,8 @@ public:
     [[nodiscard]] IMediaControl* Control() const { return control_.Get(); }
 
 private:
+    void SetClock(IReferenceClock* clock);
+
     Microsoft::WRL::ComPtr<IGraphBuilder> graph_;
     Microsoft::WRL::ComPtr<IMediaControl> control_;
     Microsoft::WRL::ComPtr<IMediaEvent> events_;

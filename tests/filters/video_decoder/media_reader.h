@@ -10,10 +10,6 @@
 
 namespace brindlecast {
 
-struct ParametersDeleter {
-    void operator()(AVCodecParameters* parameters) const noexcept { avcodec_parameters_free(&parameters); }
-};
-
 struct MediaPacket {
     std::vector<std::uint8_t> bytes;
     Time100ns start = kNoTime; // from the beginning of the file
@@ -27,7 +23,7 @@ struct MediaPacket {
 
 // One stream of a file, read whole by the demultiplexing library without any filter.
 struct MediaStream {
-    std::unique_ptr<AVCodecParameters, ParametersDeleter> parameters;
+    ParametersPtr parameters;
     std::vector<MediaType> types;
     std::vector<MediaPacket> packets; // in decoding order
     Time100ns frameDuration = 0;

@@ -66,6 +66,20 @@ TEST_F(VideoSeek, PicturesBeforeTheSegmentAreDecodedAndNotShown) {
     }
 }
 
+TEST_F(VideoSeek, ASegmentThatStartsWithinAPictureBeginsWithIt) {
+    VideoBench bench(stream);
+    constexpr Time100ns kInThePicture = 110'810'000; // half of its time is over
+    const std::size_t first = FirstAtOrAfter(kInThePicture) - 1;
+    bench.source->FlushAndSegment(kInThePicture, 200'000'000, 1.0);
+    bench.PushFrom(stream, stream.KeyframeBefore(kInThePicture), kInThePicture);
+    bench.EndOfStream();
+    const auto samples = bench.sink->SamplesOfSegment();
+    ASSERT_EQ(samples.size(), pictures.size() - first);
+    EXPECT_EQ(*samples[0].start, pictures[first]->pts - kInThePicture);
+    EXPECT_EQ(*samples[0].stop, *samples[1].start);
+    EXPECT_TRUE(samples[0].bytes == AsNv12(*pictures[first]));
+}
+
 TEST_F(VideoSeek, SegmentsAndFlushesPassOnInOrder) {
     VideoBench bench(stream);
     bench.source->Pin().DeliverNewSegment({5, 7, 2.0});
