@@ -39,7 +39,7 @@ std::optional<Rect> WorkAreaOf(const Rect& rect) {
 
 } // namespace
 
-MainWindow::MainWindow(SettingsStore& store) : store(store) {}
+MainWindow::MainWindow(SettingsStore& theStore) : store(theStore) {}
 
 MainWindow::~MainWindow() {
     engine.reset();
@@ -75,10 +75,10 @@ void MainWindow::RestorePlacement() {
     if (!settings.rememberWindowPos || settings.windowW <= 0 || settings.windowH <= 0) {
         return;
     }
-    const Rect stored{settings.windowX, settings.windowY, settings.windowX + settings.windowW,
-                      settings.windowY + settings.windowH};
-    const Rect target = RestoreRectangle(stored, WorkAreaOf(stored), ScreenSize());
-    SetWindowPos(Handle(), nullptr, target.left, target.top, target.Width(), target.Height(), SWP_NOZORDER);
+    const Point stored{settings.windowX, settings.windowY};
+    const Size size{settings.windowW, settings.windowH};
+    const Point corner = RestoreCorner(stored, size, WorkAreaOf(StoredRectangle(stored, size)), ScreenSize());
+    SetWindowPos(Handle(), nullptr, corner.x, corner.y, size.width, size.height, SWP_NOZORDER);
     if (settings.windowMaximized) {
         ShowWindow(Handle(), SW_MAXIMIZE);
     }
@@ -109,6 +109,7 @@ void MainWindow::OnCreate() {
         videoWindow.reset();
     }
     CreateEngine();
+    StartTimers();
 }
 
 void MainWindow::CreateEngine() {
@@ -126,6 +127,7 @@ void MainWindow::CreateEngine() {
 void MainWindow::OnDestroy() {
     RememberPlacement();
     SaveSettings(CurrentSettings(), store);
+    StopTimers();
     engine.reset();
     PostQuitMessage(0);
 }
@@ -136,14 +138,15 @@ LRESULT MainWindow::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_DESTROY: OnDestroy(); return 0;
     case WM_SIZE: OnSize(); return 0;
     case WM_PAINT: Paint(); return 0;
-    case WM_ERASEBKGND: return 1;
-    case WM_NCACTIVATE: return 1; // no frame is drawn
+    case WM_ERASEBKGND:
+    case WM_NCACTIVATE: return 1; // the frame is painted with the rest
     case WM_NCCALCSIZE: return 0; // the client area is the whole window
     case WM_NCHITTEST: return OnHitTest(wParam, lParam);
     case WM_SETCURSOR: return OnSetCursor(wParam, lParam);
     case WM_GETMINMAXINFO: OnGetMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
     case WM_KEYDOWN: return 0; // keys act through the accelerators alone
     case WM_COMMAND: OnCommand(LOWORD(wParam)); return 0;
+    case WM_TIMER: OnTimer(wParam); return 0;
     case WM_MOUSEMOVE: return 0;
     case WM_LBUTTONDBLCLK: return SendMessageW(Handle(), kMessageTogglePlay, 0, 0);
     case WM_MOUSEWHEEL: OnMouseWheel(GET_WHEEL_DELTA_WPARAM(wParam)); return 0;

@@ -24,7 +24,7 @@ class VideoWindow;
 class MainWindow final : public Window {
 public:
     // `store` must outlive the window.
-    explicit MainWindow(SettingsStore& store);
+    explicit MainWindow(SettingsStore& theStore);
     // Closes the engine, then destroys the window if it still exists, then what it owned.
     ~MainWindow() override;
 
@@ -53,8 +53,14 @@ private:
     [[nodiscard]] LRESULT OnSetCursor(WPARAM wParam, LPARAM lParam) const;
     void OnGetMinMaxInfo(MINMAXINFO& info) const;
 
+    // Timers; main_window_timers.cpp.
+    void StartTimers();
+    void StopTimers();
+    void OnTimer(UINT_PTR id);
+
     // What plays; main_window_transport.cpp.
-    bool OpenFile(const std::wstring& path);
+    bool OpenFile(std::wstring path);
+    void Play();
     void ShowOpenDialog();
     void TogglePlayPause();
     void StopPlayback();

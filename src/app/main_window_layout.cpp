@@ -2,6 +2,10 @@
 
 #include "base/display_scale.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+
 namespace brindlecast {
 
 namespace {
@@ -10,6 +14,11 @@ constexpr int kVisibleRest = 50;
 
 Rect At(int x, int y, int width, int height) {
     return {x, y, x + width, y + height};
+}
+
+int Saturated(std::int64_t value) {
+    return static_cast<int>(
+        std::clamp<std::int64_t>(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
 }
 
 } // namespace
@@ -34,26 +43,31 @@ Rect CenterOnScreen(Size window, Size screen) {
               window.height);
 }
 
-Rect RestoreRectangle(const Rect& stored, const std::optional<Rect>& workArea, Size screen) {
-    const Size size{stored.Width(), stored.Height()};
+Rect StoredRectangle(Point corner, Size size) {
+    return {corner.x, corner.y, Saturated(std::int64_t{corner.x} + size.width),
+            Saturated(std::int64_t{corner.y} + size.height)};
+}
+
+Point RestoreCorner(Point corner, Size size, const std::optional<Rect>& workArea, Size screen) {
     if (!workArea) {
-        return CenterOnScreen(size, screen);
+        const Rect centred = CenterOnScreen(size, screen);
+        return {centred.left, centred.top};
     }
-    int x = stored.left;
-    int y = stored.top;
+    const Rect stored = StoredRectangle(corner, size);
+    Point restored = corner;
     if (stored.right < workArea->left + kVisibleRest) {
-        x = workArea->left;
+        restored.x = workArea->left;
     }
     if (stored.bottom < workArea->top + kVisibleRest) {
-        y = workArea->top;
+        restored.y = workArea->top;
     }
-    if (x > workArea->right - kVisibleRest) {
-        x = workArea->right - size.width;
+    if (restored.x > workArea->right - kVisibleRest) {
+        restored.x = Saturated(std::int64_t{workArea->right} - size.width);
     }
-    if (y > workArea->bottom - kVisibleRest) {
-        y = workArea->bottom - size.height;
+    if (restored.y > workArea->bottom - kVisibleRest) {
+        restored.y = Saturated(std::int64_t{workArea->bottom} - size.height);
     }
-    return At(x, y, size.width, size.height);
+    return restored;
 }
 
 } // namespace brindlecast

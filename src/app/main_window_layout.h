@@ -37,8 +37,14 @@ struct MainWindowLayout {
 // A window of that size in the middle of the screen.
 [[nodiscard]] Rect CenterOnScreen(Size window, Size screen);
 
-// Where a stored window rectangle is put back: moved so far that at least 50 pixels of it reach into the work
-// area of its monitor, or centred on the screen when no monitor meets it.
-[[nodiscard]] Rect RestoreRectangle(const Rect& stored, const std::optional<Rect>& workArea, Size screen);
+// The rectangle of that size at a point. Stored values may be anything: edges beyond the range of int end
+// there, as all results below do.
+[[nodiscard]] Rect StoredRectangle(Point corner, Size size);
+
+// The upper left corner at which a stored window of positive size is put back. With a monitor, of that work
+// area, each side on which fewer than 50 pixels of the window would reach into the area is put against that
+// side of the area; left and top are looked at first. When no monitor meets the window it is centred on the
+// screen.
+[[nodiscard]] Point RestoreCorner(Point corner, Size size, const std::optional<Rect>& workArea, Size screen);
 
 } // namespace brindlecast

@@ -30,7 +30,7 @@ bool Exists(const std::wstring& path) {
 
 } // namespace
 
-bool MainWindow::OpenFile(const std::wstring& path) {
+bool MainWindow::OpenFile(std::wstring path) {
     if (engine == nullptr) {
         return false;
     }
@@ -46,14 +46,23 @@ bool MainWindow::OpenFile(const std::wstring& path) {
         videoWindow->idle = false;
         InvalidateRect(videoWindow->Handle(), nullptr, FALSE);
     }
-    // A graph that refuses to run stays open and stopped, as the state then shows.
-    static_cast<void>(engine->Play());
-    if (videoWindow != nullptr) {
-        videoWindow->AttachRenderer();
-    }
+    Play();
     SetWindowTextW(Handle(), FormatText(L"Brindlecast - %s", FileNameOf(path)).c_str());
     PutInFront(recentFiles, path);
     return true;
+}
+
+// A graph that refuses to run stays open and stopped, as the state then shows. Playing may have built another
+// graph, whose events and window are taken over like those of the first.
+void MainWindow::Play() {
+    if (videoWindow != nullptr) {
+        videoWindow->DetachRenderer();
+    }
+    static_cast<void>(engine->Play());
+    NotifyOfGraphEvents();
+    if (videoWindow != nullptr) {
+        videoWindow->AttachRenderer();
+    }
 }
 
 void MainWindow::ShowOpenDialog() {
@@ -78,8 +87,7 @@ void MainWindow::TogglePlayPause() {
     }
     if (engine->currentFile.empty()) {
         if (!recentFiles.empty() && Exists(recentFiles.front())) {
-            // By value: opening the file reorders the list.
-            OpenFile(std::wstring(recentFiles.front()));
+            OpenFile(recentFiles.front());
         }
         return;
     }
@@ -88,8 +96,7 @@ void MainWindow::TogglePlayPause() {
             engine->state = kEnginePaused;
         }
     } else {
-        // A refusal leaves the state as it was, which is what the user sees.
-        static_cast<void>(engine->Play());
+        Play();
     }
 }
 
@@ -111,6 +118,8 @@ void MainWindow::StopPlayback() {
 void MainWindow::NotifyOfGraphEvents() {
     if (engine->events != nullptr) {
         engine->events->SetNotifyWindow(reinterpret_cast<OAHWND>(Handle()), kMessageGraphEvent, 0);
+        // Events that came before are not told of.
+        PostMessageW(Handle(), kMessageGraphEvent, 0, 0);
     }
 }
 
@@ -134,7 +143,7 @@ void MainWindow::OnGraphEvent() {
     }
     if (engine->markA >= 1 && engine->markB <= engine->markA) {
         engine->Seek(static_cast<Seconds>(engine->markA) / static_cast<Seconds>(kUnitsPerSecond));
-        static_cast<void>(engine->Play());
+        Play();
         return;
     }
     OnCommand(kCommandStop);

@@ -12,14 +12,6 @@ namespace {
 
 constexpr int kFullCompression = 100;
 
-ComPtr<ILAVAudioSettings> DecoderSettings(const ComPtr<IBaseFilter>& decoder) {
-    ComPtr<ILAVAudioSettings> found;
-    if (decoder != nullptr) {
-        decoder->QueryInterface(IID_PPV_ARGS(&found));
-    }
-    return found;
-}
-
 } // namespace
 
 bool PlayerEngine::SetVolume(float newVolume) {
@@ -50,7 +42,7 @@ void PlayerEngine::ApplyNormalization() {
 }
 
 bool PlayerEngine::SetDRC(bool enabled, int level) {
-    const ComPtr<ILAVAudioSettings> decoder = DecoderSettings(lavAudio);
+    const auto decoder = QueryFor<ILAVAudioSettings>(lavAudio.Get());
     if (decoder == nullptr) {
         return false;
     }
@@ -64,7 +56,7 @@ bool PlayerEngine::GetDRC(bool* enabled, std::uint32_t* level) const {
     if (enabled == nullptr || level == nullptr) {
         return false;
     }
-    const ComPtr<ILAVAudioSettings> decoder = DecoderSettings(lavAudio);
+    const auto decoder = QueryFor<ILAVAudioSettings>(lavAudio.Get());
     BOOL on = FALSE;
     int strength = 0;
     if (decoder == nullptr || FAILED(decoder->GetDRC(&on, &strength))) {

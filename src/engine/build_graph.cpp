@@ -13,6 +13,7 @@
 
 #include <array>
 #include <memory>
+#include <new>
 #include <optional>
 
 namespace brindlecast {
@@ -21,6 +22,8 @@ namespace {
 
 // How long priming waits for the graph to reach the paused state, in milliseconds.
 constexpr long kPrimingWait = 100;
+// More than any pin offers: an enumerator that goes on behind it has no end.
+constexpr int kMostTypes = 1024;
 
 std::wstring ExecutableDirectory() {
     std::array<wchar_t, MAX_PATH> path{};
@@ -58,10 +61,14 @@ std::optional<VideoFormat> ReadVideoFormat(const AM_MEDIA_TYPE& type) {
 // The first type of major type video that the pin offers; the others are not looked at.
 std::unique_ptr<AM_MEDIA_TYPE, MediaTypeDeleter> FirstVideoType(IPin* pin) {
     ComPtr<IEnumMediaTypes> types;
-    if (FAILED(pin->EnumMediaTypes(&types))) {
+    if (FAILED(Obtain(types, [pin](IEnumMediaTypes** given) { return pin->EnumMediaTypes(given); }))) {
         return nullptr;
     }
-    for (AM_MEDIA_TYPE* type = nullptr; types->Next(1, &type, nullptr) == S_OK;) {
+    for (int i = 0; i < kMostTypes; ++i) {
+        AM_MEDIA_TYPE* type = nullptr;
+        if (types->Next(1, &type, nullptr) != S_OK || type == nullptr) {
+            break;
+        }
         std::unique_ptr<AM_MEDIA_TYPE, MediaTypeDeleter> owned(type);
         if (owned->majortype == MEDIATYPE_Video) {
             return owned;
@@ -70,12 +77,10 @@ std::unique_ptr<AM_MEDIA_TYPE, MediaTypeDeleter> FirstVideoType(IPin* pin) {
     return nullptr;
 }
 
-// Keeps a field that already refers to the same object; a failed query leaves it null. The identifier is
-// handed in because the compiler's headers tie none to the older interfaces.
+// Keeps a field that already refers to the same object; a failed query leaves it null.
 template <class Interface>
-void FetchFrom(IUnknown* object, REFIID iid, ComPtr<Interface>& field) {
-    ComPtr<Interface> fetched;
-    object->QueryInterface(iid, reinterpret_cast<void**>(fetched.GetAddressOf()));
+void FetchFrom(IUnknown* object, ComPtr<Interface>& field) {
+    const auto fetched = QueryFor<Interface>(object);
     // By address: the compiler's ComPtr compares only whether both are set.
     if (fetched.Get() != field.Get()) {
         field = fetched;
@@ -85,6 +90,14 @@ void FetchFrom(IUnknown* object, REFIID iid, ComPtr<Interface>& field) {
 } // namespace
 
 bool PlayerEngine::BuildGraph(const std::wstring& path) {
+    try {
+        return AssembleGraph(path);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+bool PlayerEngine::AssembleGraph(const std::wstring& path) {
     const std::wstring directory = ExecutableDirectory();
     if (FAILED(CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_ALL, IID_PPV_ARGS(&graph)))) {
         return false;
@@ -134,8 +147,8 @@ bool PlayerEngine::AddSplitter(const std::wstring& directory, const std::wstring
     ConfigureLAVSplitter(splitter.Get());
     // A splitter that the graph did not take may still open the file; what it can't connect shows later.
     graph->AddFilter(splitter.Get(), L"LAV Splitter Source");
-    ComPtr<IFileSourceFilter> source;
-    if (FAILED(splitter.As(&source))) {
+    const auto source = QueryFor<IFileSourceFilter>(splitter.Get());
+    if (source == nullptr) {
         return false;
     }
     const HRESULT result = source->Load(path.c_str(), nullptr);
@@ -143,7 +156,8 @@ bool PlayerEngine::AddSplitter(const std::wstring& directory, const std::wstring
         Trace(L"[Brindlecast] Failed to load file: 0x%08X\n", result);
         return false;
     }
-    if (SUCCEEDED(splitter.As(&keyFrameInfo))) {
+    keyFrameInfo = QueryFor<IKeyFrameInfo>(splitter.Get());
+    if (keyFrameInfo != nullptr) {
         LoadKeyFrames();
     }
     return true;
@@ -194,7 +208,8 @@ void PlayerEngine::AddAudioSwitcher(const std::wstring& directory) {
         return;
     }
     graph->AddFilter(audioSwitcher.Get(), L"AudioSwitcher");
-    if (SUCCEEDED(audioSwitcher.As(&audioSwitcherControl))) {
+    audioSwitcherControl = QueryFor<IAudioSwitcherFilter>(audioSwitcher.Get());
+    if (audioSwitcherControl != nullptr) {
         ApplyNormalization();
     }
 }
@@ -214,12 +229,12 @@ ComPtr<IBaseFilter> PlayerEngine::AddAudioRenderer() {
 }
 
 void PlayerEngine::PrimeGraph() {
-    ComPtr<IMediaControl> priming;
-    if (FAILED(graph.As(&priming))) {
+    const auto priming = QueryFor<IMediaControl>(graph.Get());
+    if (priming == nullptr) {
         return;
     }
-    // No pin is connected yet: this makes the filters acquire their devices and the graph choose its clock,
-    // and whether it succeeds does not matter.
+    // No pin is connected yet: the graph chooses its clock, the filters have nothing to do, and whether it
+    // succeeds does not matter.
     priming->Pause();
     OAFilterState reached = State_Stopped;
     priming->GetState(kPrimingWait, &reached);
@@ -227,19 +242,19 @@ void PlayerEngine::PrimeGraph() {
 }
 
 void PlayerEngine::FetchGraphInterfaces() {
-    FetchFrom(graph.Get(), IID_IMediaControl, control);
-    FetchFrom(graph.Get(), IID_IMediaEventEx, events);
+    FetchFrom(graph.Get(), control);
+    FetchFrom(graph.Get(), events);
     const ComPtr<IMediaSeeking> graphSeeking =
         GetGraphSeeking(graph.Get(), splitter.Get(), videoRenderer.Get());
     if (graphSeeking.Get() != seeking.Get()) {
         seeking = graphSeeking;
     }
-    FetchFrom(graph.Get(), IID_IBasicAudio, basicAudio);
+    FetchFrom(graph.Get(), basicAudio);
     if (basicAudio != nullptr) {
         SetVolume(volume);
     }
-    FetchFrom(graph.Get(), IID_IVideoWindow, videoWindowControl);
-    FetchFrom(graph.Get(), IID_IBasicVideo, basicVideo);
+    FetchFrom(graph.Get(), videoWindowControl);
+    FetchFrom(graph.Get(), basicVideo);
 }
 
 void PlayerEngine::AttachVideoHost() {

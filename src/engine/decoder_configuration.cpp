@@ -13,6 +13,11 @@ namespace brindlecast {
 
 namespace {
 
+// The decoder is handed these numbers as they are.
+static_assert(kHardwareNone == kLavHwAccelNone && kHardwareCuda == kLavHwAccelCuda &&
+              kHardwareQuickSync == kLavHwAccelQuickSync && kHardwareDxva2 == kLavHwAccelDxva2CopyBack &&
+              kHardwareDxva2Native == kLavHwAccelDxva2Native && kHardwareD3D11 == kLavHwAccelD3D11);
+
 constexpr DWORD kMostTracedDevices = 4;
 
 BOOL Flag(std::uint32_t value) {
@@ -73,8 +78,8 @@ void SetHardwareCodecs(ILAVVideoSettings& decoder, SettingsStore& settings) {
 // Results of setters are not looked at: a filter that rejects a setting plays with its default.
 
 void PlayerEngine::ConfigureLAVSplitter(IBaseFilter* filter) {
-    ComPtr<ILAVFSettings> source;
-    if (filter == nullptr || FAILED(filter->QueryInterface(IID_PPV_ARGS(&source)))) {
+    const auto source = QueryFor<ILAVFSettings>(filter);
+    if (source == nullptr) {
         return;
     }
     source->SetRuntimeConfig(TRUE);
@@ -89,8 +94,8 @@ void PlayerEngine::ConfigureLAVSplitter(IBaseFilter* filter) {
 }
 
 void PlayerEngine::ConfigureLAVVideo(IBaseFilter* filter) {
-    ComPtr<ILAVVideoSettings> decoder;
-    if (filter == nullptr || FAILED(filter->QueryInterface(IID_PPV_ARGS(&decoder)))) {
+    const auto decoder = QueryFor<ILAVVideoSettings>(filter);
+    if (decoder == nullptr) {
         return;
     }
     decoder->SetRuntimeConfig(TRUE);
@@ -115,8 +120,8 @@ void PlayerEngine::ConfigureLAVVideo(IBaseFilter* filter) {
 }
 
 void PlayerEngine::ConfigureLAVAudio(IBaseFilter* filter) {
-    ComPtr<ILAVAudioSettings> decoder;
-    if (filter == nullptr || FAILED(filter->QueryInterface(IID_PPV_ARGS(&decoder)))) {
+    const auto decoder = QueryFor<ILAVAudioSettings>(filter);
+    if (decoder == nullptr) {
         return;
     }
     decoder->SetRuntimeConfig(TRUE);

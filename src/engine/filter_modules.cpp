@@ -45,12 +45,15 @@ HRESULT PlayerEngine::LoadFilterFromModule(const std::wstring& path, const CLSID
     }
     // Declared behind the module: the factory must go before the module may.
     ComPtr<IClassFactory> factory;
-    HRESULT result = getClassObject(clsid, IID_PPV_ARGS(&factory));
+    HRESULT result =
+        Obtain(factory, [&](IClassFactory** given) { return getClassObject(clsid, IID_PPV_ARGS(given)); });
     if (FAILED(result)) {
         Trace(L"[Brindlecast] DllGetClassObject failed: 0x%08X\n", result);
         return result;
     }
-    result = factory->CreateInstance(nullptr, IID_PPV_ARGS(out));
+    // Handed on when it succeeded alone: what a failed call has written is nobody's.
+    IBaseFilter* filter = nullptr;
+    result = factory->CreateInstance(nullptr, IID_PPV_ARGS(&filter));
     if (FAILED(result)) {
         Trace(L"[Brindlecast] CreateInstance failed: 0x%08X\n", result);
         return result;
@@ -63,6 +66,7 @@ HRESULT PlayerEngine::LoadFilterFromModule(const std::wstring& path, const CLSID
         }
         *slot = loaded;
     }
+    *out = filter;
     Trace(L"[Brindlecast] Loaded filter from: %s\n", path);
     return S_OK;
 }

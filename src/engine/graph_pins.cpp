@@ -2,21 +2,34 @@
 
 #include <vfwmsgs.h>
 
+#include <iterator>
+
 namespace brindlecast {
+
+namespace {
+
+// More than any filter has: an enumerator that goes on behind it has no end.
+constexpr int kMostPins = 1024;
+
+} // namespace
 
 HRESULT ListPins(IBaseFilter* filter, PIN_DIRECTION direction, std::vector<ComPtr<IPin>>& pins) {
     pins.clear();
     ComPtr<IEnumPins> enumerator;
-    const HRESULT result = filter->EnumPins(&enumerator);
+    const HRESULT result =
+        Obtain(enumerator, [filter](IEnumPins** given) { return filter->EnumPins(given); });
     if (FAILED(result)) {
         return result;
     }
-    for (ComPtr<IPin> pin; enumerator->Next(1, &pin, nullptr) == S_OK;) {
+    for (int i = 0; i < kMostPins; ++i) {
+        ComPtr<IPin> pin;
+        if (Obtain(pin, [&](IPin** given) { return enumerator->Next(1, given, nullptr); }) != S_OK) {
+            break;
+        }
         PIN_DIRECTION pinDirection = PINDIR_INPUT;
         if (SUCCEEDED(pin->QueryDirection(&pinDirection)) && pinDirection == direction) {
             pins.push_back(pin);
         }
-        pin.Reset();
     }
     return S_OK;
 }
@@ -34,6 +47,8 @@ std::wstring PinName(IPin* pin) {
     if (info.pFilter != nullptr) {
         info.pFilter->Release();
     }
+    // Foreign filters may fill the whole field.
+    info.achName[std::size(info.achName) - 1] = L'\0';
     return info.achName;
 }
 

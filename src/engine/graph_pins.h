@@ -11,8 +11,8 @@
 
 namespace brindlecast {
 
-// The pins of a filter in one direction, in the filter's order. A failed enumeration answers its code and no
-// pin.
+// The pins of a filter in one direction, in the filter's order; those behind its first 1024 pins are left
+// out. A failed enumeration answers its code and no pin.
 [[nodiscard]] HRESULT ListPins(IBaseFilter* filter, PIN_DIRECTION direction, std::vector<ComPtr<IPin>>& pins);
 
 // True only when the pin itself says that it is not connected; any other answer counts as connected.

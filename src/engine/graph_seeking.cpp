@@ -7,7 +7,9 @@
 
 #include <control.h>
 
+#include <algorithm>
 #include <atomic>
+#include <utility>
 
 namespace brindlecast {
 
@@ -28,16 +30,13 @@ bool IsConnected(IBaseFilter* filter) {
 
 // The source's own interface, from the filter or else from the first output pin that has it.
 ComPtr<IMediaSeeking> SeekingOf(IBaseFilter* source) {
-    ComPtr<IMediaSeeking> seeking;
+    auto seeking = QueryFor<IMediaSeeking>(source);
     std::vector<ComPtr<IPin>> pins;
-    if (source == nullptr || SUCCEEDED(source->QueryInterface(IID_PPV_ARGS(&seeking))) ||
-        FAILED(ListPins(source, PINDIR_OUTPUT, pins))) {
+    if (source == nullptr || seeking != nullptr || FAILED(ListPins(source, PINDIR_OUTPUT, pins))) {
         return seeking;
     }
-    for (const ComPtr<IPin>& pin : pins) {
-        if (SUCCEEDED(pin.As(&seeking))) {
-            break;
-        }
+    for (auto pin = pins.begin(); pin != pins.end() && seeking == nullptr; ++pin) {
+        seeking = QueryFor<IMediaSeeking>(pin->Get());
     }
     return seeking;
 }
@@ -45,10 +44,11 @@ ComPtr<IMediaSeeking> SeekingOf(IBaseFilter* source) {
 // Stands in for the graph's object where that one has stubs. Main thread only, like everything that calls it.
 class SubstituteSeeking final : public IMediaSeeking {
 public:
-    SubstituteSeeking(ComPtr<IMediaSeeking> graphSeeking, IBaseFilter* source, IBaseFilter* videoRenderer)
-        : graph(std::move(graphSeeking)), source(SeekingOf(source)) {
+    SubstituteSeeking(ComPtr<IMediaSeeking> graphSeeking, IBaseFilter* sourceFilter,
+                      IBaseFilter* videoRenderer)
+        : graph(std::move(graphSeeking)), source(SeekingOf(sourceFilter)) {
         if (IsConnected(videoRenderer)) {
-            videoRenderer->QueryInterface(IID_PPV_ARGS(&renderer));
+            renderer = QueryFor<IMediaSeeking>(videoRenderer);
         }
     }
 
@@ -143,7 +143,10 @@ HRESULT SubstituteSeeking::SetPositions(LONGLONG* current, DWORD currentFlags, L
                                       : graph->SetPositions(current, currentFlags, stop, stopFlags);
     if (SUCCEEDED(result) &&
         (currentFlags & AM_SEEKING_PositioningBitsMask) == AM_SEEKING_AbsolutePositioning) {
-        lastTarget = target;
+        LONGLONG duration = 0;
+        const bool known = SUCCEEDED(graph->GetDuration(&duration)) && duration > 0;
+        // The source does not go beyond its ends.
+        lastTarget = std::max<LONGLONG>(known ? std::min(target, duration) : target, 0);
     }
     return result;
 }
@@ -182,6 +185,9 @@ HRESULT SubstituteSeeking::SetRate(double newRate) {
     if (source == nullptr) {
         return E_NOTIMPL;
     }
+    if (newRate == rate) {
+        return S_OK;
+    }
     LONGLONG position = 0;
     HRESULT result = GetCurrentPosition(&position);
     if (FAILED(result)) {
@@ -191,9 +197,14 @@ HRESULT SubstituteSeeking::SetRate(double newRate) {
     if (FAILED(result)) {
         return result;
     }
-    rate = newRate;
     // What is under way was made for the old rate; a seek to where we are throws it away.
-    return SetPositions(&position, AM_SEEKING_AbsolutePositioning, nullptr, AM_SEEKING_NoPositioning);
+    const double oldRate = std::exchange(rate, newRate);
+    result = SetPositions(&position, AM_SEEKING_AbsolutePositioning, nullptr, AM_SEEKING_NoPositioning);
+    if (FAILED(result)) {
+        rate = oldRate;
+        source->SetRate(oldRate);
+    }
+    return result;
 }
 
 HRESULT SubstituteSeeking::GetRate(double* current) {

@@ -6,7 +6,7 @@
 
 namespace brindlecast {
 
-// The method that works on every supported system; used when nothing else was asked for or a request failed.
+// Software; what remains when nothing else works.
 inline constexpr std::uint32_t kHardwareNone = 0;
 inline constexpr std::uint32_t kHardwareCuda = 1;
 inline constexpr std::uint32_t kHardwareQuickSync = 2;

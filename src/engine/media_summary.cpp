@@ -82,8 +82,7 @@ std::wstring ConnectedVideoCodec(IBaseFilter* decoder) {
 MediaSummary PlayerEngine::GetMediaSummary() const {
     MediaSummary summary;
     if (lavVideo != nullptr) {
-        ComPtr<ILAVVideoStatus> status;
-        if (SUCCEEDED(lavVideo.As(&status))) {
+        if (const auto status = QueryFor<ILAVVideoStatus>(lavVideo.Get()); status != nullptr) {
             if (const wchar_t* name = status->GetActiveDecoderName(); name != nullptr) {
                 summary.decoderName = name;
                 summary.isHardware = IsHardwareDecoderName(summary.decoderName);
@@ -91,14 +90,13 @@ MediaSummary PlayerEngine::GetMediaSummary() const {
         }
         summary.videoCodec = ConnectedVideoCodec(lavVideo.Get());
     }
-    ComPtr<ILAVAudioStatus> audioStatus;
-    if (lavAudio != nullptr && SUCCEEDED(lavAudio.As(&audioStatus))) {
+    if (const auto status = QueryFor<ILAVAudioStatus>(lavAudio.Get()); status != nullptr) {
         LPCSTR codec = nullptr;
         LPCSTR format = nullptr;
         int channels = 0;
         int sampleRate = 0;
         DWORD channelMask = 0;
-        if (SUCCEEDED(audioStatus->GetDecodeDetails(&codec, &format, &channels, &sampleRate, &channelMask))) {
+        if (SUCCEEDED(status->GetDecodeDetails(&codec, &format, &channels, &sampleRate, &channelMask))) {
             summary.audioCodec = UpperCaseCodecName(codec);
             summary.audioChannels = channels;
             summary.audioSampleRate = sampleRate;

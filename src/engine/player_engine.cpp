@@ -21,13 +21,13 @@ constexpr DWORD kBuildRetryWait = 100;
 
 } // namespace
 
-PlayerEngine::PlayerEngine(SettingsStore& settings) : settings(settings) {}
+PlayerEngine::PlayerEngine(SettingsStore& theSettings) : settings(theSettings) {}
 
 PlayerEngine::~PlayerEngine() {
     Shutdown();
 }
 
-bool PlayerEngine::OpenFile(const std::wstring& path) {
+bool PlayerEngine::OpenFile(std::wstring path) {
     CloseGraph();
     hwAccel = ReadSetting(settings, settings::kHwAccel);
     Trace(L"[Brindlecast] OpenFile with HWAccel=%d\n", static_cast<int>(hwAccel));
@@ -47,7 +47,7 @@ bool PlayerEngine::OpenFile(const std::wstring& path) {
             return false;
         }
     }
-    currentFile = path;
+    currentFile = std::move(path);
     state = kEngineStopped;
     if (!currentFile.empty()) {
         FindSubtitlesOfCurrentFile();
@@ -109,8 +109,8 @@ HRESULT PlayerEngine::RunAgainWithD3D11(HRESULT firstResult) {
 }
 
 void PlayerEngine::TraceActiveDecoder() const {
-    ComPtr<ILAVVideoStatus> status;
-    if (lavVideo == nullptr || FAILED(lavVideo.As(&status))) {
+    const auto status = QueryFor<ILAVVideoStatus>(lavVideo.Get());
+    if (status == nullptr) {
         return;
     }
     const wchar_t* name = status->GetActiveDecoderName();
@@ -118,8 +118,8 @@ void PlayerEngine::TraceActiveDecoder() const {
     BSTR device = nullptr;
     if (SUCCEEDED(status->GetHWAccelActiveDevice(&device)) && device != nullptr) {
         Trace(L"[Brindlecast] HW Accel Device: %s\n", static_cast<const wchar_t*>(device));
+        SysFreeString(device);
     }
-    SysFreeString(device);
 }
 
 void PlayerEngine::CloseGraph() {

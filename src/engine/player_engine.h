@@ -3,6 +3,7 @@
 #include "base/settings_store.h"
 #include "base/time_types.h"
 #include "base/win32/com_ptr.h"
+#include "engine/bitmap_file.h"
 #include "engine/directshow_interfaces.h"
 #include "filters/include/audio_switcher.h"
 #include "filters/include/lav_splitter.h"
@@ -39,11 +40,12 @@ inline constexpr std::uint32_t kEngineRunning = 2;
 // Owns the filter graph, which is built and torn down per file. It has no window and no lock: every
 // operation runs on the main thread, which must be a single-threaded COM apartment. A null interface means
 // that the thing is absent; every operation tests for it. Playback is reported by `events`, whose
-// notification window the caller sets after each OpenFile.
+// notification window the caller sets after each OpenFile, and after each Play, which may build the graph
+// anew.
 class PlayerEngine {
 public:
-    // `settings` must outlive the engine.
-    explicit PlayerEngine(SettingsStore& settings);
+    // `theSettings` must outlive the engine.
+    explicit PlayerEngine(SettingsStore& theSettings);
     PlayerEngine(const PlayerEngine&) = delete;
     PlayerEngine& operator=(const PlayerEngine&) = delete;
     ~PlayerEngine();
@@ -52,7 +54,7 @@ public:
 
     // Closes what is open and builds the graph for `path`, with its retries; playback does not start. False
     // leaves the engine closed. Blocks for the whole build.
-    [[nodiscard]] bool OpenFile(const std::wstring& path);
+    [[nodiscard]] bool OpenFile(std::wstring path);
     // Runs the graph. Out of memory under a hardware method other than D3D11 is answered by one rebuild with
     // D3D11.
     [[nodiscard]] bool Play();
@@ -75,11 +77,14 @@ public:
     bool SeekNextKeyFrame();
     // 0.25 to 4.0; false, and no change, outside.
     bool SetRate(double newRate);
-    // The ends of the repeated part, at the present position. Pressing again within a second of a mark
-    // clears it.
+    // The ends of the repeated part, at the present position. Within a second of A, SetMarkA clears both;
+    // within a second of B, SetMarkB clears B.
     void SetMarkA();
     void SetMarkB();
     void ClearMarks();
+    // One look at the repeated part, for a timer: a running file that has come to B goes back to A, exactly
+    // there, and not twice within half a second. `now`: milliseconds of the system's tick count.
+    void RepeatBetweenMarks(std::uint64_t now);
 
     // Sound.
 
@@ -112,6 +117,19 @@ public:
     bool SetRotation(int degrees);
     bool SetFlipHorizontal(bool on);
     bool SetFlipVertical(bool on);
+
+    // Pictures of what is shown; null when there is none.
+
+    // By the method that the settings name.
+    [[nodiscard]] BitmapBytes CaptureFrame();
+    // What the renderer shows, with subtitles and turns, in its own size.
+    [[nodiscard]] BitmapBytes CaptureDisplayedImage();
+    // What videoHost draws when the system asks it to draw itself.
+    [[nodiscard]] BitmapBytes CaptureWindowImage();
+    // The frame in the size of the video.
+    [[nodiscard]] BitmapBytes CaptureCurrentImage();
+    // Captures a frame and writes it in the format that the settings name, whatever the extension of `path`.
+    [[nodiscard]] bool SaveScreenshot(const std::wstring& path);
 
     [[nodiscard]] MediaSummary GetMediaSummary() const;
 
@@ -171,8 +189,10 @@ public:
     std::int32_t embeddedSubtitleTrack = -1;
 
 private:
-    // Building; see build_graph.cpp, render_pins.cpp and audio_chain.cpp.
+    // Building; see build_graph.cpp, render_pins.cpp and audio_chain.cpp. Memory that runs out fails the
+    // build like anything else.
     [[nodiscard]] bool BuildGraph(const std::wstring& path);
+    [[nodiscard]] bool AssembleGraph(const std::wstring& path);
     [[nodiscard]] bool AddVideoRenderer(const std::wstring& directory);
     [[nodiscard]] bool AddSplitter(const std::wstring& directory, const std::wstring& path);
     void AddDecoders(const std::wstring& directory);

@@ -4,6 +4,8 @@
 #include "engine/player_engine.h"
 #include "engine/stream_select.h"
 
+#include <uuids.h>
+
 namespace brindlecast {
 
 namespace {

@@ -2,55 +2,52 @@
 #include "engine/render_rect.h"
 
 #include <array>
+#include <variant>
 
 namespace brindlecast {
 
 namespace {
 
-struct BoolOption {
+// In the order in which they are set.
+struct StartOption {
     const char* name;
-    bool value;
+    std::variant<bool, int> value;
 };
-struct IntOption {
-    const char* name;
-    int value;
-};
-
-// Set in this order: the whole numbers stand between the flags.
-constexpr BoolOption kUseD3D11 = {"useD3D11", true};
-constexpr IntOption kPresentationType = {"presentationType", 0};
-constexpr std::array kFlags = {BoolOption{"vsync", false},
-                               BoolOption{"vBlankBeforePresent", false},
-                               BoolOption{"adjustPresentTime", false},
-                               BoolOption{"vpScaling", false},
-                               BoolOption{"lessRedraws", true},
-                               BoolOption{"d3dFullscreenControl", false}};
-constexpr std::array kScalers = {IntOption{"chromaUpsampling", 0}, IntOption{"upscaler", 0},
-                                 IntOption{"downscaler", 0}};
+constexpr std::array kStartOptions = {StartOption{"useD3D11", true},
+                                      StartOption{"presentationType", 0},
+                                      StartOption{"vsync", false},
+                                      StartOption{"vBlankBeforePresent", false},
+                                      StartOption{"adjustPresentTime", false},
+                                      StartOption{"vpScaling", false},
+                                      StartOption{"lessRedraws", true},
+                                      StartOption{"d3dFullscreenControl", false},
+                                      StartOption{"chromaUpsampling", 0},
+                                      StartOption{"upscaler", 0},
+                                      StartOption{"downscaler", 0}};
 
 constexpr const char* kRotationOption = "rotation"; // degrees
 constexpr const char* kFlipOption = "flip";
 constexpr const char* kRedrawCommand = "cmd_redraw";
 
 void SetStartOptions(IExFilterConfig& renderer) {
-    renderer.Flt_SetBool(kUseD3D11.name, kUseD3D11.value);
-    renderer.Flt_SetInt(kPresentationType.name, kPresentationType.value);
-    for (const BoolOption& option : kFlags) {
-        renderer.Flt_SetBool(option.name, option.value);
-    }
-    for (const IntOption& option : kScalers) {
-        renderer.Flt_SetInt(option.name, option.value);
+    for (const StartOption& option : kStartOptions) {
+        if (const bool* flag = std::get_if<bool>(&option.value)) {
+            renderer.Flt_SetBool(option.name, *flag);
+        } else {
+            renderer.Flt_SetInt(option.name, std::get<int>(option.value));
+        }
     }
 }
 
 } // namespace
 
 void PlayerEngine::ConfigureRenderer() {
-    if (SUCCEEDED(videoRenderer.As(&rendererConfig))) {
+    rendererConfig = QueryFor<IExFilterConfig>(videoRenderer.Get());
+    if (rendererConfig != nullptr) {
         SetStartOptions(*rendererConfig.Get());
     }
-    ComPtr<ISubRender11> subtitleDrawing;
-    if (FAILED(videoRenderer.As(&subtitleDrawing))) {
+    const auto subtitleDrawing = QueryFor<ISubRender11>(videoRenderer.Get());
+    if (subtitleDrawing == nullptr) {
         return;
     }
     // Not Attach: that of the compiler's ComPtr adds a reference.

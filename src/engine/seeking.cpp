@@ -15,6 +15,8 @@ constexpr double kSlowestRate = 0.25;
 constexpr double kFastestRate = 4.0;
 // The step of the keyframe commands in a file without a keyframe table.
 constexpr Seconds kStepWithoutTable = 5.0;
+// 46 hours of nothing but keyframes at 60 frames a second; what counts more is no table.
+constexpr UINT kMostKeyFrames = 10'000'000;
 
 Seconds ToSeconds(Time100ns units) {
     return static_cast<double>(units) / static_cast<double>(kUnitsPerSecond);
@@ -26,7 +28,7 @@ void PlayerEngine::LoadKeyFrames() {
     keyFrames.clear();
     UINT count = 0;
     const HRESULT result = keyFrameInfo->GetKeyFrameCount(count);
-    if (FAILED(result) || count == 0) {
+    if (FAILED(result) || count == 0 || count > kMostKeyFrames) {
         Trace(L"[Brindlecast] No keyframes found (count=%u, hr=0x%08X)\n", count, result);
         return;
     }
@@ -155,6 +157,25 @@ void PlayerEngine::ClearMarks() {
     markA = 0;
     markB = 0;
     lastRepeatJumpTick = 0;
+}
+
+void PlayerEngine::RepeatBetweenMarks(std::uint64_t now) {
+    const RepeatMarks marks{markA, markB};
+    // The position is not asked for while nothing is marked: that is ten questions a second.
+    if (state != kEngineRunning || control == nullptr || !HasRepeat(marks)) {
+        return;
+    }
+    const auto position = CurrentPosition();
+    if (!position || !ReachesRepeatEnd(marks, *position) || !MayRepeatAgain(lastRepeatJumpTick, now)) {
+        return;
+    }
+    lastRepeatJumpTick = now;
+    // Not by Seek: a mark is an exact place, not the nearest keyframe.
+    LONGLONG target = markA;
+    if (SUCCEEDED(seeking->SetPositions(&target, AM_SEEKING_AbsolutePositioning, nullptr,
+                                        AM_SEEKING_NoPositioning))) {
+        Trace(L"[Brindlecast] AB Repeat: Jump to A (%.2f sec)\n", ToSeconds(markA));
+    }
 }
 
 } // namespace brindlecast

@@ -2,11 +2,17 @@
 
 #include "engine/graph_pins.h"
 
+#include <uuids.h>
+
+#include <algorithm>
 #include <memory>
 
 namespace brindlecast {
 
 namespace {
+
+// More than any file has: every walk asks for each stream, on the main thread.
+constexpr DWORD kMostStreams = 4096;
 
 // MEDIATYPE_Subtitle of the splitters, and the text type with FOURCC 'txts'.
 constexpr GUID kMajorTypeSubtitle = {
@@ -23,13 +29,10 @@ bool Matches(const GUID& majorType, StreamKind kind) {
 
 } // namespace
 
-StreamWalk::StreamWalk(IBaseFilter* splitter) {
-    if (splitter == nullptr || FAILED(splitter->QueryInterface(
-                                   IID_IAMStreamSelect, reinterpret_cast<void**>(select.GetAddressOf())))) {
-        return;
-    }
-    if (FAILED(select->Count(&count))) {
-        count = 0;
+StreamWalk::StreamWalk(IBaseFilter* splitter) : select(QueryFor<IAMStreamSelect>(splitter)) {
+    DWORD reported = 0;
+    if (select != nullptr && SUCCEEDED(select->Count(&reported))) {
+        count = std::min(reported, kMostStreams);
     }
 }
 
@@ -44,9 +47,12 @@ StreamInfo StreamWalk::Ask(DWORD index, unsigned wanted) const {
     const HRESULT result = select->Info(static_cast<long>(index), (wanted & kType) != 0 ? &type : nullptr,
                                         (wanted & kFlags) != 0 ? &info.flags : nullptr, nullptr, nullptr,
                                         (wanted & kName) != 0 ? &name : nullptr, nullptr, nullptr);
+    if (FAILED(result)) {
+        return {};
+    }
     const std::unique_ptr<AM_MEDIA_TYPE, MediaTypeDeleter> ownedType(type);
     const std::unique_ptr<WCHAR, decltype(&CoTaskMemFree)> ownedName(name, &CoTaskMemFree);
-    info.known = SUCCEEDED(result);
+    info.known = true;
     if (type != nullptr) {
         info.majorType = type->majortype;
     }

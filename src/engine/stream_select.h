@@ -5,8 +5,6 @@
 
 #include <windows.h>
 
-#include <uuids.h>
-
 #include <optional>
 #include <string>
 
@@ -24,7 +22,7 @@ struct StreamInfo {
 enum class StreamKind { Audio, Subtitle };
 
 // One look at the streams of a splitter, by their index among all streams. A null splitter, or one that
-// offers no stream selection, has none.
+// offers no stream selection, has none. Streams behind the first 4096 are left out.
 class StreamWalk {
 public:
     explicit StreamWalk(IBaseFilter* splitter);

@@ -23,10 +23,9 @@ void ExpectLines(const Lines& expected, const Lines& actual);
 // What the platform's sound renderers do when they are created.
 enum class SoundRenderer { Works, Fails };
 
-// An engine over fake modules. What is recorded as a call is one list in time order: the calls that the
-// fakes got
-// ("LAVVideo.SetHWAccel(5)") and the diagnostic lines ("> OpenFile with HWAccel=5", without their prefix).
-// The folder of the modules appears as <dir>. When a test ends no fake may live any more.
+// An engine over fake modules. What is recorded as a call is one list in time order: the calls that the fakes
+// got ("LAVVideo.SetHWAccel(5)") and the diagnostic lines ("> OpenFile with HWAccel=5", without their
+// prefix). The folder of the modules appears as <dir>. When a test ends no fake may live any more.
 class GraphTest : public ::testing::Test {
 protected:
     GraphTest();
@@ -37,11 +36,17 @@ protected:
     [[nodiscard]] static Lines Calls();
     // The calls that begin with `prefix`, as "LAVVideo." or "> ".
     [[nodiscard]] static Lines CallsOf(const std::wstring& prefix);
+    // What was only asked, and begins with `prefix`.
+    [[nodiscard]] static Lines QueriesOf(const std::wstring& prefix);
     [[nodiscard]] static std::size_t CountOf(const Lines& lines, const std::wstring& line);
+    // The calls, and among them Run, Pause, Stop and "leaves the graph" of all filters.
+    [[nodiscard]] static Lines CallsAndStates();
     // Run, Pause, Stop and "leaves the graph" of one filter, in order.
     [[nodiscard]] static Lines StatesOf(const std::wstring& module);
     static void ClearCalls() { RecorderClearLines(); }
 
+    // Drops every reference to a module that earlier builds have left.
+    static void UnloadModule(const std::wstring& fileName);
     // Lets the module's file be missing until the test ends.
     void HideModule(const std::wstring& fileName);
     // Puts a file without entry points in the module's place until the test ends.
@@ -60,7 +65,6 @@ protected:
     HWND host = nullptr;
 
 private:
-    void UnloadModule(const std::wstring& fileName);
     void RevokeClasses();
 
     std::vector<std::wstring> hidden;
@@ -95,6 +99,10 @@ namespace expected {
 [[nodiscard]] Lines Close();
 // All of the above for the film, but for closing it.
 [[nodiscard]] Lines FilmBuild(int method = 5, const wchar_t* methodName = L"D3D11");
+// The same for a file of sound alone.
+[[nodiscard]] Lines SoundBuild(int method = 5, const wchar_t* methodName = L"D3D11");
+// One build of a file whose Load fails with E_FAIL.
+[[nodiscard]] Lines FailedLoad();
 } // namespace expected
 
 } // namespace brindlecast::testing

@@ -1,4 +1,5 @@
 #include "tests/graph/graph_fixture.h"
+#include "tests/graph/sleep_record.h"
 
 #include <vfwmsgs.h>
 
@@ -7,27 +8,7 @@
 namespace brindlecast::testing {
 namespace {
 
-class OpenFile : public GraphTest {
-protected:
-    // One build of a file whose Load fails.
-    static Lines FailedLoad() {
-        return Join(
-            {expected::RendererStart(), expected::SplitterStart(), {L"> Failed to load file: 0x80004005"}});
-    }
-    static Lines BuildWithoutVideo(int method, const wchar_t* methodName) {
-        return Join({expected::RendererStart(),
-                     expected::SplitterStart(),
-                     expected::ThreeKeyFrames(),
-                     expected::VideoDecoderStart(method, methodName),
-                     expected::AudioDecoderStart(),
-                     expected::SwitcherStart(),
-                     expected::SoundStart(),
-                     expected::Priming(),
-                     expected::AudioChain(),
-                     {L"> Connection status - Video: 0, Audio: 1"},
-                     expected::GraphEnd()});
-    }
-};
+using OpenFile = GraphTest;
 
 TEST_F(OpenFile, AFilmIsBuiltStepByStep) {
     EXPECT_TRUE(engine->OpenFile(kFilm));
@@ -67,6 +48,35 @@ TEST_F(OpenFile, EveryFieldOfAnOpenGraphIsThere) {
 
 TEST_F(OpenFile, ANewEngineHasItsStartValues) {
     const PlayerEngine fresh(settings);
+    for (const bool present : {fresh.graph != nullptr,
+                               fresh.control != nullptr,
+                               fresh.seeking != nullptr,
+                               fresh.events != nullptr,
+                               fresh.basicAudio != nullptr,
+                               fresh.basicVideo != nullptr,
+                               fresh.videoWindowControl != nullptr,
+                               fresh.videoRenderer != nullptr,
+                               fresh.rendererConfig != nullptr,
+                               fresh.splitter != nullptr,
+                               fresh.lavVideo != nullptr,
+                               fresh.lavAudio != nullptr,
+                               fresh.audioSwitcher != nullptr,
+                               fresh.audioSwitcherControl != nullptr,
+                               fresh.keyFrameInfo != nullptr,
+                               fresh.subtitleCallback != nullptr,
+                               fresh.subtitleManager != nullptr,
+                               fresh.videoHost != nullptr,
+                               fresh.splitterModule != nullptr,
+                               fresh.videoModule != nullptr,
+                               fresh.audioModule != nullptr,
+                               fresh.rendererModule != nullptr,
+                               fresh.switcherModule != nullptr}) {
+        EXPECT_FALSE(present);
+    }
+    EXPECT_TRUE(fresh.keyFrames.empty());
+    EXPECT_FALSE(fresh.flipHorizontal);
+    EXPECT_FALSE(fresh.flipVertical);
+    EXPECT_EQ(0, fresh.toolbarHeight);
     EXPECT_EQ(0U, fresh.state);
     EXPECT_FLOAT_EQ(0.5F, fresh.volume);
     EXPECT_FALSE(fresh.muted);
@@ -87,31 +97,13 @@ TEST_F(OpenFile, ANewEngineHasItsStartValues) {
     EXPECT_TRUE(settings.writes.empty());
 }
 
-TEST_F(OpenFile, TheHardwareMethodIsReadEachTime) {
-    settings.values[L"LAV_HWAccel"] = std::uint32_t{3};
-    ASSERT_TRUE(engine->OpenFile(kFilm));
-    ExpectLines(Join({{L"> OpenFile with HWAccel=3"}, expected::FilmBuild(3, L"DXVA2")}), Calls());
-    EXPECT_EQ(3U, engine->hwAccel);
-    settings.values[L"LAV_HWAccel"] = std::uint32_t{0};
-    ClearCalls();
-    ASSERT_TRUE(engine->OpenFile(kFilm));
-    ExpectLines(Join({expected::Close(), {L"> OpenFile with HWAccel=0"}, expected::FilmBuild(0, L"None")}),
-                Calls());
-    EXPECT_EQ(0U, engine->hwAccel);
-}
-
-TEST_F(OpenFile, AMethodOfAnotherTypeCountsAsAbsent) {
-    settings.values[L"LAV_HWAccel"] = std::wstring(L"0");
-    ASSERT_TRUE(engine->OpenFile(kFilm));
-    EXPECT_EQ(5U, engine->hwAccel);
-}
-
 TEST_F(OpenFile, AFailedBuildIsRepeatedOnceAfterAPause) {
     SetNumber("LAVSplitter.load", E_FAIL);
-    const ULONGLONG begin = GetTickCount64();
+    const SleepRecord sleeps;
     EXPECT_FALSE(engine->OpenFile(kFilm));
-    EXPECT_GE(GetTickCount64() - begin, 90U); // 100 ms by a coarser clock
-    ExpectLines(Join({{L"> OpenFile with HWAccel=5"}, FailedLoad(), FailedLoad()}), Calls());
+    EXPECT_EQ((std::vector<DWORD>{100}), sleeps.Seen());
+    ExpectLines(Join({{L"> OpenFile with HWAccel=5"}, expected::FailedLoad(), expected::FailedLoad()}),
+                Calls());
     EXPECT_TRUE(engine->currentFile.empty());
     EXPECT_EQ(nullptr, engine->graph);
     EXPECT_EQ(nullptr, engine->splitter);
@@ -119,20 +111,31 @@ TEST_F(OpenFile, AFailedBuildIsRepeatedOnceAfterAPause) {
     EXPECT_EQ(0, RecorderLiving());
 }
 
+TEST_F(OpenFile, ABuildThatSucceedsAtTheSecondAttemptIsAnOpen) {
+    SetNumber("LAVSplitter.loadFailures", 1);
+    const SleepRecord sleeps;
+    EXPECT_TRUE(engine->OpenFile(kFilm));
+    EXPECT_EQ((std::vector<DWORD>{100}), sleeps.Seen());
+    ExpectLines(Join({{L"> OpenFile with HWAccel=5"}, expected::FailedLoad(), expected::FilmBuild()}),
+                Calls());
+    EXPECT_EQ(kFilm, engine->currentFile);
+}
+
+TEST_F(OpenFile, TheOpenFileCanBeOpenedAgainByItsOwnField) {
+    ASSERT_TRUE(engine->OpenFile(kFilm));
+    ClearCalls();
+    EXPECT_TRUE(engine->OpenFile(engine->currentFile));
+    ExpectLines(Join({expected::Close(), {L"> OpenFile with HWAccel=5"}, expected::FilmBuild()}), Calls());
+    EXPECT_EQ(kFilm, engine->currentFile);
+}
+
 TEST_F(OpenFile, NothingOfAFailedBuildIsLeftInTheNext) {
     // The first build fails at its very end, with every filter made.
     SetNumber("LAVAudio.refuse", VFW_E_TYPE_NOT_ACCEPTED);
     EXPECT_FALSE(engine->OpenFile(kFilm));
-    Lines loads;
-    for (unsigned i = 0; i < RecorderCount(); ++i) {
-        const std::wstring line = RecorderLineAt(i);
-        if (line.starts_with(L"LAVSplitter.Load with")) {
-            loads.push_back(line);
-        }
-    }
     // The renderer and the splitter itself.
     EXPECT_EQ((Lines{L"LAVSplitter.Load with 2 filters alive", L"LAVSplitter.Load with 2 filters alive"}),
-              loads);
+              QueriesOf(L"LAVSplitter.Load with"));
 }
 
 TEST_F(OpenFile, AFailedOpenClosesWhatWasOpen) {
@@ -140,91 +143,13 @@ TEST_F(OpenFile, AFailedOpenClosesWhatWasOpen) {
     SetNumber("LAVSplitter.load", E_FAIL);
     ClearCalls();
     EXPECT_FALSE(engine->OpenFile(kFilm));
-    ExpectLines(Join({expected::Close(), {L"> OpenFile with HWAccel=5"}, FailedLoad(), FailedLoad()}),
+    ExpectLines(Join({expected::Close(),
+                      {L"> OpenFile with HWAccel=5"},
+                      expected::FailedLoad(),
+                      expected::FailedLoad()}),
                 Calls());
     EXPECT_TRUE(engine->currentFile.empty());
     EXPECT_EQ(nullptr, engine->control);
-}
-
-TEST_F(OpenFile, ASoundFileIsBuiltAgainInSoftware) {
-    SetText("LAVSplitter.pins", L"Audio:audio");
-    ASSERT_TRUE(engine->OpenFile(kFilm));
-    ExpectLines(Join({{L"> OpenFile with HWAccel=5"},
-                      BuildWithoutVideo(5, L"D3D11"),
-                      expected::Close(),
-                      BuildWithoutVideo(0, L"None")}),
-                Calls());
-    EXPECT_EQ(0U, engine->hwAccel);
-    EXPECT_FALSE(engine->hasVideo);
-    EXPECT_EQ(kFilm, engine->currentFile);
-    EXPECT_DOUBLE_EQ(0.0, engine->frameRate);
-}
-
-TEST_F(OpenFile, ASoundFileInSoftwareIsBuiltOnce) {
-    settings.values[L"LAV_HWAccel"] = std::uint32_t{0};
-    SetText("LAVSplitter.pins", L"Audio:audio");
-    ASSERT_TRUE(engine->OpenFile(kFilm));
-    ExpectLines(Join({{L"> OpenFile with HWAccel=0"}, BuildWithoutVideo(0, L"None")}), Calls());
-}
-
-TEST_F(OpenFile, WithoutTheFallbackTheSoundAloneStands) {
-    settings.values[L"HWAccelFallback"] = std::uint32_t{0};
-    SetText("LAVSplitter.pins", L"Audio:audio");
-    ASSERT_TRUE(engine->OpenFile(kFilm));
-    ExpectLines(Join({{L"> OpenFile with HWAccel=5"}, BuildWithoutVideo(5, L"D3D11")}), Calls());
-    EXPECT_EQ(5U, engine->hwAccel);
-    EXPECT_EQ(kFilm, engine->currentFile);
-}
-
-TEST_F(OpenFile, AFallbackOfAnotherTypeIsTakenByItsFirstBytes) {
-    settings.values[L"HWAccelFallback"] = FakeSettingsStore::Bytes{0, 0, 0, 0, 9};
-    SetText("LAVSplitter.pins", L"Audio:audio");
-    ASSERT_TRUE(engine->OpenFile(kFilm));
-    EXPECT_EQ(5U, engine->hwAccel);
-}
-
-TEST_F(OpenFile, APictureThatConnectsInSoftwareAloneComesFromTheThirdBuild) {
-    // The decoder takes no connection while D3D11 is asked for.
-    SetNumber("LAVVideo.refuseUnderMethod", 5);
-    ASSERT_TRUE(engine->OpenFile(kFilm));
-    EXPECT_TRUE(engine->hasVideo);
-    EXPECT_EQ(0U, engine->hwAccel);
-    EXPECT_EQ((Lines{L"LAVVideo.SetHWAccel(5)", L"LAVVideo.SetHWAccel(0)"}),
-              CallsOf(L"LAVVideo.SetHWAccel("));
-    EXPECT_EQ(
-        (Lines{L"> Connection status - Video: 0, Audio: 1", L"> Connection status - Video: 1, Audio: 1"}),
-        CallsOf(L"> Connection status"));
-}
-
-TEST_F(OpenFile, WithoutTheFallbackNoSoftwareAttemptIsMade) {
-    settings.values[L"HWAccelFallback"] = std::uint32_t{0};
-    SetNumber("LAVVideo.refuseUnderMethod", 5);
-    ASSERT_TRUE(engine->OpenFile(kFilm));
-    EXPECT_FALSE(engine->hasVideo);
-    EXPECT_EQ((Lines{L"LAVVideo.SetHWAccel(5)"}), CallsOf(L"LAVVideo.SetHWAccel("));
-}
-
-TEST_F(OpenFile, AFailedSoftwareRebuildIsNotRepeated) {
-    SetText("LAVSplitter.pins", L"Audio:audio");
-    SetNumber("LAVSplitter.loadsBeforeFailure", 1);
-    EXPECT_FALSE(engine->OpenFile(kFilm));
-    ExpectLines(Join({{L"> OpenFile with HWAccel=5"},
-                      BuildWithoutVideo(5, L"D3D11"),
-                      expected::Close(),
-                      FailedLoad()}),
-                Calls());
-    EXPECT_TRUE(engine->currentFile.empty());
-    EXPECT_EQ(nullptr, engine->graph);
-}
-
-TEST_F(OpenFile, ALargePictureForcesD3D11AlsoInTheSoftwareRebuild) {
-    settings.values[L"LAV_HWAccel"] = std::uint32_t{3};
-    SetText("LAVSplitter.pins", L"Video:video/7680/4320/400000;Audio:audio");
-    SetNumber("LAVVideo.refuse", VFW_E_TYPE_NOT_ACCEPTED);
-    ASSERT_TRUE(engine->OpenFile(kFilm));
-    EXPECT_EQ((Lines{L"LAVVideo.SetHWAccel(5)", L"LAVVideo.SetHWAccel(5)"}),
-              CallsOf(L"LAVVideo.SetHWAccel("));
-    EXPECT_EQ(5U, engine->hwAccel);
 }
 
 TEST_F(OpenFile, AnEmptyPathOpensAndLooksForNoSubtitles) {
@@ -247,19 +172,53 @@ TEST_F(OpenFile, SubtitlesBesideTheFileAreCounted) {
 }
 
 TEST_F(OpenFile, WhatSurvivesFromFileToFile) {
+    settings.values[L"AudioNormalize"] = std::uint32_t{0};
+    settings.values[L"AudioNormalizeRecover"] = std::uint32_t{0};
+    settings.values[L"AudioMaxNormFactor"] = std::uint32_t{250};
+    settings.values[L"AudioBoost"] = std::uint32_t{40};
     ASSERT_TRUE(engine->OpenFile(kFilm));
-    const HMODULE splitterModule = engine->splitterModule;
+    const HMODULE modules[] = {engine->splitterModule, engine->videoModule, engine->audioModule,
+                               engine->rendererModule};
     EXPECT_TRUE(engine->SetRate(2.0));
+    EXPECT_TRUE(engine->SetVolume(0.25F));
+    engine->SetMuted(true);
     engine->SetRotation(90);
+    engine->SetFlipHorizontal(true);
+    engine->SetFlipVertical(true);
+    engine->toolbarHeight = 75;
     SetText("LAVSplitter.pins", L"Video:video/640/480/0;Audio:audio"); // no frame duration
+    SetNumber("AudioSwitcher.noControl", 1);
     ASSERT_TRUE(engine->OpenFile(L"C:\\films\\other.mkv"));
     EXPECT_DOUBLE_EQ(2.0, engine->rate);
+    EXPECT_FLOAT_EQ(0.25F, engine->volume);
+    EXPECT_TRUE(engine->muted);
     EXPECT_EQ(90U, engine->rotation);
+    EXPECT_TRUE(engine->flipHorizontal);
+    EXPECT_TRUE(engine->flipVertical);
     EXPECT_DOUBLE_EQ(25.0, engine->frameRate);
-    EXPECT_EQ(splitterModule, engine->splitterModule);
+    EXPECT_TRUE(engine->hasVideo);
+    EXPECT_EQ(75, engine->toolbarHeight);
+    EXPECT_EQ(host, engine->videoHost);
+    EXPECT_FALSE(engine->audioNormalize);
+    EXPECT_FALSE(engine->audioNormalizeRecover);
+    EXPECT_FLOAT_EQ(2.5F, engine->audioMaxNormFactor);
+    EXPECT_FLOAT_EQ(1.4F, engine->audioBoostGain);
+    EXPECT_EQ(modules[0], engine->splitterModule);
+    EXPECT_EQ(modules[1], engine->videoModule);
+    EXPECT_EQ(modules[2], engine->audioModule);
+    EXPECT_EQ(modules[3], engine->rendererModule);
     double graphRate = 0.0;
     engine->seeking->GetRate(&graphRate);
     EXPECT_DOUBLE_EQ(1.0, graphRate);
+    EXPECT_EQ((Lines{L"AudioRenderer.put_Volume(-10000)"}), Lines(1, CallsOf(L"AudioRenderer.put").back()));
+}
+
+TEST_F(OpenFile, WithoutPictureHasVideoIsTakenBack) {
+    ASSERT_TRUE(engine->OpenFile(kFilm));
+    EXPECT_TRUE(engine->hasVideo);
+    SetText("LAVSplitter.pins", L"Audio:audio");
+    ASSERT_TRUE(engine->OpenFile(kFilm));
+    EXPECT_FALSE(engine->hasVideo);
 }
 
 } // namespace

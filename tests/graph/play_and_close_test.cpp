@@ -1,27 +1,27 @@
+#include "tests/graph/failing_control.h"
 #include "tests/graph/graph_fixture.h"
 
-#include <control.h>
-
-#include <functional>
+#include <algorithm>
 
 namespace brindlecast::testing {
 namespace {
 
 class PlayAndClose : public GraphTest {
 protected:
-    void Open(std::uint32_t method) {
-        settings.values[L"LAV_HWAccel"] = method;
+    void Open() {
         ASSERT_TRUE(engine->OpenFile(kFilm));
         ClearCalls();
     }
-    static Lines OutOfMemory() {
-        return {L"> Play() - Current state: 0", L"> Play() - Run() returned: 0x8007000E"};
+    void OpenAndPause() {
+        Open();
+        ASSERT_TRUE(engine->Play());
+        ASSERT_TRUE(SUCCEEDED(engine->control->Pause()));
+        engine->state = kEnginePaused;
+        ClearCalls();
     }
-    // Wine's graph seeks back when a failed run is stopped; how often is its affair.
-    static Lines WithoutSeeks(Lines lines) {
-        std::erase(lines, L"LAVSplitter.SetPositions(0, 1, 0)");
-        return lines;
-    }
+    // The first keyframe, where closing seeks to; the graph's own seeks when it stops go elsewhere.
+    static constexpr const wchar_t* kClosingSeek = L"LAVSplitter.SetPositions(230000, 1, 0)";
+    void UseLateFirstKeyFrame() { SetText("LAVSplitter.keyFrames", L"230000,20000000"); }
 };
 
 TEST_F(PlayAndClose, WithoutGraphNothingPlays) {
@@ -31,7 +31,7 @@ TEST_F(PlayAndClose, WithoutGraphNothingPlays) {
 }
 
 TEST_F(PlayAndClose, RunsTheGraph) {
-    Open(5);
+    Open();
     EXPECT_TRUE(engine->Play());
     EXPECT_EQ(2U, engine->state);
     ExpectLines({L"> Play() - Current state: 0", L"> Play() - Run() returned: 0x00000000",
@@ -39,96 +39,65 @@ TEST_F(PlayAndClose, RunsTheGraph) {
                 Calls());
 }
 
+TEST_F(PlayAndClose, RunsOnFromPaused) {
+    OpenAndPause();
+    EXPECT_TRUE(engine->Play());
+    EXPECT_EQ(2U, engine->state);
+    ExpectLines({L"> Play() - Current state: 1", L"> Play() - Run() returned: 0x00000000",
+                 L"> Active Decoder: (null/software)"},
+                Calls());
+}
+
+TEST_F(PlayAndClose, AFailureFromPausedLeavesItPaused) {
+    OpenAndPause();
+    LetRunFail(engine->control, E_FAIL);
+    EXPECT_FALSE(engine->Play());
+    EXPECT_EQ(1U, engine->state);
+    ExpectLines({L"> Play() - Current state: 1", L"> Play() - Run() returned: 0x80004005"}, Calls());
+    EXPECT_EQ(kFilm, engine->currentFile);
+}
+
 TEST_F(PlayAndClose, NamesTheDecoderAndItsDevice) {
     SetText("LAVVideo.decoderName", L"d3d11va");
     SetText("LAVVideo.activeDevice", L"Adapter 0");
-    Open(5);
+    Open();
     EXPECT_TRUE(engine->Play());
     ExpectLines({L"> Play() - Current state: 0", L"> Play() - Run() returned: 0x00000000",
                  L"> Active Decoder: d3d11va", L"> HW Accel Device: Adapter 0"},
                 Calls());
 }
 
-TEST_F(PlayAndClose, AnOldDecoderWithoutStatusIsNotNamed) {
-    SetNumber("LAVVideo.noStatus", 1);
-    Open(5);
+TEST_F(PlayAndClose, ADeviceWithoutNameIsNotNamed) {
+    SetText("LAVVideo.decoderName", L"d3d11va");
+    SetNumber("LAVVideo.deviceIsNull", 1);
+    Open();
     EXPECT_TRUE(engine->Play());
-    EXPECT_EQ(Lines{}, CallsOf(L"> Active Decoder"));
+    EXPECT_EQ((Lines{L"LAVVideo.GetHWAccelActiveDevice"}), QueriesOf(L"LAVVideo.GetHWAccelActive"));
+    EXPECT_EQ(Lines{}, CallsOf(L"> HW Accel Device"));
 }
 
-TEST_F(PlayAndClose, OutOfMemoryUnderAnotherMethodIsAnsweredByD3D11) {
-    for (const std::uint32_t method : {1U, 2U, 3U, 4U}) {
-        Open(method);
-        // The decoder fails as long as it is not asked for D3D11.
-        SetNumber("LAVVideo.pauseExceptMethod5", E_OUTOFMEMORY);
+TEST_F(PlayAndClose, AnOldDecoderWithoutStatusIsNotNamed) {
+    for (const long answer : {1L, 2L}) {
+        SetNumber("LAVVideo.noStatus", answer);
+        Open();
         EXPECT_TRUE(engine->Play());
-        ExpectLines(Join({OutOfMemory(),
-                          {L"MpcVideoRenderer64.put_Visible(0)", L"MpcVideoRenderer64.put_Owner(0)"},
-                          WithoutSeeks(expected::FilmBuild()),
-                          {L"> Play() - Retry with D3D11 returned: 0x00000000",
-                           L"> Active Decoder: (null/software)"}}),
-                    WithoutSeeks(Calls()));
-        EXPECT_EQ(5U, engine->hwAccel);
-        EXPECT_EQ(2U, engine->state);
-        EXPECT_EQ(kFilm, engine->currentFile);
-        SetNumber("LAVVideo.pauseExceptMethod5", 0);
+        EXPECT_EQ(Lines{}, CallsOf(L"> Active Decoder"));
     }
 }
 
-TEST_F(PlayAndClose, ASecondFailureUnderD3D11Stands) {
-    Open(3);
-    SetNumber("LAVVideo.pause", E_OUTOFMEMORY);
+TEST_F(PlayAndClose, AfterStopThereIsNothingToPlay) {
+    Open();
+    ASSERT_TRUE(engine->Play());
+    engine->CloseGraph();
+    ClearCalls();
     EXPECT_FALSE(engine->Play());
-    EXPECT_EQ((Lines{L"> Play() - Run() returned: 0x8007000E",
-                     L"> Play() - Retry with D3D11 returned: 0x8007000E"}),
-              Join({CallsOf(L"> Play() - Run"), CallsOf(L"> Play() - Retry")}));
+    EXPECT_EQ(Lines{}, Calls());
     EXPECT_EQ(0U, engine->state);
-    EXPECT_EQ(kFilm, engine->currentFile);
-}
-
-TEST_F(PlayAndClose, OutOfMemoryInSoftwareOrUnderD3D11IsNotRetried) {
-    for (const std::uint32_t method : {0U, 5U}) {
-        Open(method);
-        SetNumber("LAVVideo.pause", E_OUTOFMEMORY);
-        EXPECT_FALSE(engine->Play());
-        ExpectLines(OutOfMemory(), WithoutSeeks(Calls()));
-        EXPECT_EQ(method, engine->hwAccel);
-        EXPECT_EQ(0U, engine->state);
-        SetNumber("LAVVideo.pause", 0);
-    }
-}
-
-TEST_F(PlayAndClose, AnotherFailureIsNotRetried) {
-    Open(3);
-    SetNumber("LAVVideo.pause", E_FAIL);
-    EXPECT_FALSE(engine->Play());
-    ExpectLines({L"> Play() - Current state: 0", L"> Play() - Run() returned: 0x80004005"},
-                WithoutSeeks(Calls()));
-    EXPECT_EQ(kFilm, engine->currentFile);
-}
-
-TEST_F(PlayAndClose, AnEmptyPathIsNotRetried) {
-    Open(3);
-    engine->currentFile.clear();
-    SetNumber("LAVVideo.pause", E_OUTOFMEMORY);
-    EXPECT_FALSE(engine->Play());
-    ExpectLines(OutOfMemory(), WithoutSeeks(Calls()));
-}
-
-TEST_F(PlayAndClose, ARebuildThatFailsLeavesTheEngineClosed) {
-    Open(3);
-    SetNumber("LAVVideo.pause", E_OUTOFMEMORY);
-    SetNumber("LAVSplitter.load", E_FAIL);
-    EXPECT_FALSE(engine->Play());
-    EXPECT_EQ(1U, CallsOf(L"LAVSplitter.Load").size());
-    EXPECT_EQ(Lines{}, CallsOf(L"> Play() - Retry"));
-    EXPECT_EQ(nullptr, engine->graph);
     EXPECT_TRUE(engine->currentFile.empty());
-    EXPECT_EQ(0, RecorderLiving());
 }
 
 TEST_F(PlayAndClose, ClosingClearsWhatBelongsToTheFile) {
-    Open(5);
+    Open();
     EXPECT_TRUE(engine->Play());
     engine->markA = 5;
     engine->markB = 6;
@@ -138,7 +107,6 @@ TEST_F(PlayAndClose, ClosingClearsWhatBelongsToTheFile) {
     engine->CloseGraph();
     EXPECT_EQ((Lines{L"MpcVideoRenderer64.put_Visible(0)", L"MpcVideoRenderer64.put_Owner(0)"}),
               CallsOf(L"MpcVideoRenderer64."));
-    EXPECT_EQ(L"LAVSplitter.SetPositions(0, 1, 0)", Calls().front());
     EXPECT_EQ(0, engine->markA);
     EXPECT_EQ(0, engine->markB);
     EXPECT_EQ(0U, engine->lastRepeatJumpTick);
@@ -150,7 +118,7 @@ TEST_F(PlayAndClose, ClosingClearsWhatBelongsToTheFile) {
 }
 
 TEST_F(PlayAndClose, ClosingReleasesEveryInterface) {
-    Open(5);
+    Open();
     engine->CloseGraph();
     const PlayerEngine& e = *engine;
     for (const bool present :
@@ -162,11 +130,14 @@ TEST_F(PlayAndClose, ClosingReleasesEveryInterface) {
         EXPECT_FALSE(present);
     }
     EXPECT_NE(nullptr, e.splitterModule);
+    EXPECT_NE(nullptr, e.videoModule);
+    EXPECT_NE(nullptr, e.audioModule);
+    EXPECT_NE(nullptr, e.rendererModule);
     EXPECT_EQ(host, e.videoHost);
 }
 
 TEST_F(PlayAndClose, ClosingTwiceIsHarmless) {
-    Open(5);
+    Open();
     engine->CloseGraph();
     ClearCalls();
     engine->CloseGraph();
@@ -174,43 +145,76 @@ TEST_F(PlayAndClose, ClosingTwiceIsHarmless) {
 }
 
 TEST_F(PlayAndClose, TheSeekToTheStartSnapsToTheFirstKeyFrame) {
-    SetText("LAVSplitter.keyFrames", L"230000,20000000");
-    Open(5);
+    UseLateFirstKeyFrame();
+    Open();
     engine->CloseGraph();
-    EXPECT_EQ((Lines{L"LAVSplitter.SetPositions(230000, 1, 0)"}), CallsOf(L"LAVSplitter.SetPositions"));
+    EXPECT_EQ((Lines{kClosingSeek}), CallsOf(L"LAVSplitter.SetPositions"));
+}
+
+TEST_F(PlayAndClose, ClosingStopsAndThenSeeksToTheStart) {
+    UseLateFirstKeyFrame();
+    for (const bool paused : {false, true}) {
+        if (paused) {
+            OpenAndPause();
+        } else {
+            Open();
+            ASSERT_TRUE(engine->Play());
+        }
+        ClearCalls();
+        engine->CloseGraph();
+        const Lines all = CallsAndStates();
+        const auto seek = std::ranges::find(all, kClosingSeek);
+        ASSERT_NE(all.end(), seek);
+        EXPECT_EQ(6, std::count_if(all.begin(), seek,
+                                   [](const std::wstring& line) { return line.ends_with(L".Stop"); }))
+            << "every filter has stopped before";
+        EXPECT_EQ(0, std::ranges::count(seek, all.end(), L"MpcVideoRenderer64.Run")) << "and stays so";
+        const auto hides = std::ranges::find(all, L"MpcVideoRenderer64.put_Visible(0)");
+        EXPECT_LT(seek, hides);
+        EXPECT_LT(hides, std::ranges::find(all, L"MpcVideoRenderer64.leaves the graph"));
+    }
+}
+
+TEST_F(PlayAndClose, AGraphThatDoesNotStopIsNotSought) {
+    UseLateFirstKeyFrame();
+    OpenAndPause();
+    SetNumber("LAVVideo.stop", E_FAIL);
+    engine->CloseGraph();
+    EXPECT_EQ(0U, CountOf(Calls(), kClosingSeek));
+    EXPECT_EQ((Lines{L"MpcVideoRenderer64.put_Visible(0)", L"MpcVideoRenderer64.put_Owner(0)"}),
+              CallsOf(L"MpcVideoRenderer64."));
+    EXPECT_EQ(0U, engine->state);
+    EXPECT_EQ(nullptr, engine->graph);
 }
 
 TEST_F(PlayAndClose, ShutdownForgetsWindowAndModules) {
-    Open(5);
+    Open();
     const std::wstring path = ModulePath(L"LAVVideo.ax");
-    engine->Shutdown();
-    EXPECT_EQ(nullptr, engine->videoHost);
-    EXPECT_EQ(nullptr, engine->splitterModule);
-    EXPECT_EQ(nullptr, engine->videoModule);
-    EXPECT_EQ(nullptr, engine->audioModule);
-    EXPECT_EQ(nullptr, engine->rendererModule);
-    EXPECT_NE(nullptr, GetModuleHandleW(path.c_str())) << "a module stays loaded";
+    for (int time = 0; time < 2; ++time) {
+        engine->Shutdown();
+        EXPECT_EQ(nullptr, engine->videoHost);
+        EXPECT_EQ(nullptr, engine->splitterModule);
+        EXPECT_EQ(nullptr, engine->videoModule);
+        EXPECT_EQ(nullptr, engine->audioModule);
+        EXPECT_EQ(nullptr, engine->rendererModule);
+        EXPECT_EQ(nullptr, engine->switcherModule);
+        EXPECT_NE(nullptr, GetModuleHandleW(path.c_str())) << "a module stays loaded";
+    }
 }
 
-TEST_F(PlayAndClose, TheGraphsEventsReachTheWindow) {
-    Open(5);
-    constexpr UINT kEvent = WM_USER + 100;
-    ASSERT_EQ(S_OK, engine->events->SetNotifyWindow(reinterpret_cast<OAHWND>(host), kEvent, 0));
-    ComPtr<IMediaEventSink> sink;
-    ASSERT_EQ(S_OK, engine->graph.As(&sink));
-    constexpr long kUserEvent = 0x8001;
-    ASSERT_EQ(S_OK, sink->Notify(kUserEvent, 1, 2));
-    MSG message{};
-    ASSERT_TRUE(PeekMessageW(&message, host, kEvent, kEvent, PM_REMOVE));
-    long code = 0;
-    LONG_PTR first = 0;
-    LONG_PTR second = 0;
-    // Events of the graph's own may come before it.
-    while (code != kUserEvent && engine->events->GetEvent(&code, &first, &second, 0) == S_OK) {
-        engine->events->FreeEventParams(code, first, second);
-    }
-    EXPECT_EQ(kUserEvent, code);
-    engine->events->SetNotifyWindow(0, 0, 0);
+TEST_F(PlayAndClose, ShutdownOfAPlayingFileLeavesNothing) {
+    Open();
+    ASSERT_TRUE(engine->Play());
+    ClearCalls();
+    engine->Shutdown();
+    EXPECT_EQ((Lines{L"MpcVideoRenderer64.put_Visible(0)", L"MpcVideoRenderer64.put_Owner(0)"}),
+              CallsOf(L"MpcVideoRenderer64."));
+    EXPECT_EQ(0, RecorderLiving());
+    EXPECT_EQ(nullptr, engine->graph);
+    ClearCalls();
+    engine->Shutdown();
+    engine.reset();
+    EXPECT_EQ(Lines{}, Calls());
 }
 
 } // namespace

@@ -1,26 +1,12 @@
-#include "tests/graph/graph_fixture.h"
-
-#include "base/win32/wine.h"
-
-#include <evcode.h>
+#include "tests/graph/seeking_fixture.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace brindlecast::testing {
 namespace {
 
-class Seeking : public GraphTest {
-protected:
-    void Open() {
-        ASSERT_TRUE(engine->OpenFile(kFilm));
-        ClearCalls();
-    }
-    // Where the renderer says it is.
-    void PlaceAt(long milliseconds) { SetNumber("MpcVideoRenderer64.positionMilliseconds", milliseconds); }
-    static Lines SoughtTo(long long units) {
-        return {L"LAVSplitter.SetPositions(" + std::to_wstring(units) + L", 1, 0)"};
-    }
-};
+class Seeking : public SeekingTest {};
 
 TEST_F(Seeking, WithoutGraphNothingMoves) {
     EXPECT_FALSE(engine->Seek(1.0));
@@ -30,10 +16,14 @@ TEST_F(Seeking, WithoutGraphNothingMoves) {
     EXPECT_FALSE(engine->SetRate(1.0));
     EXPECT_DOUBLE_EQ(0.0, engine->GetPosition());
     EXPECT_DOUBLE_EQ(0.0, engine->GetDuration());
-    engine->SetMarkA();
-    engine->SetMarkB();
-    EXPECT_EQ(0, engine->markA);
-    EXPECT_EQ(0, engine->markB);
+    EXPECT_EQ(Lines{}, Calls());
+}
+
+TEST_F(Seeking, WithoutControlNothingIsSought) {
+    Open();
+    engine->control.Reset();
+    EXPECT_FALSE(engine->Seek(2.0));
+    EXPECT_EQ(Lines{}, Calls());
 }
 
 TEST_F(Seeking, SnapsToTheTable) {
@@ -51,7 +41,8 @@ TEST_F(Seeking, WithoutTableGoesExactlyThere) {
     SetText("LAVSplitter.keyFrames", L"");
     Open();
     EXPECT_TRUE(engine->Seek(2.9));
-    ExpectLines(SoughtTo(29'000'000), Calls());
+    EXPECT_TRUE(engine->Seek(1.23456789));
+    ExpectLines(Join({SoughtTo(29'000'000), SoughtTo(12'345'678)}), Calls());
 }
 
 TEST_F(Seeking, ARefusedSeekIsReported) {
@@ -60,31 +51,52 @@ TEST_F(Seeking, ARefusedSeekIsReported) {
     EXPECT_FALSE(engine->Seek(2.0));
 }
 
-TEST_F(Seeking, AStoppedGraphStaysStopped) {
+TEST_F(Seeking, ARunningGraphIsToldOnceToRunOn) {
     Open();
-    EXPECT_TRUE(engine->Seek(2.0));
-    EXPECT_EQ(Lines{}, StatesOf(L"MpcVideoRenderer64"));
-    EXPECT_EQ(0U, engine->state);
-}
-
-TEST_F(Seeking, ARunningGraphRunsOn) {
-    Open();
-    ASSERT_TRUE(engine->Play());
-    ClearCalls();
-    EXPECT_TRUE(engine->Seek(2.0));
-    EXPECT_EQ(SoughtTo(20'000'000), CallsOf(L"LAVSplitter.SetPositions"));
-    EXPECT_EQ(L"Run", StatesOf(L"MpcVideoRenderer64").back());
+    engine->state = kEngineRunning;
+    const ControlSwap control(*engine);
+    EXPECT_TRUE(engine->Seek(2.0)) << "a graph that does not run on is no failed seek";
+    EXPECT_EQ(SoughtTo(20'000'000), Calls());
+    EXPECT_EQ(1, control.Runs());
+    EXPECT_EQ(0, control.Others());
     EXPECT_EQ(2U, engine->state);
 }
 
-TEST_F(Seeking, APausedGraphStaysPaused) {
+TEST_F(Seeking, ARefusedSeekIsNotFollowedByARun) {
     Open();
+    engine->state = kEngineRunning;
+    SetNumber("LAVSplitter.setPositions", E_FAIL);
+    const ControlSwap control(*engine);
+    EXPECT_FALSE(engine->Seek(2.0));
+    EXPECT_EQ(0, control.Runs());
+    EXPECT_EQ(0, control.Others());
+}
+
+TEST_F(Seeking, AGraphThatDoesNotRunIsNotToldTo) {
+    Open();
+    const ControlSwap control(*engine);
+    for (const std::uint32_t state : {kEngineStopped, kEnginePaused}) {
+        engine->state = state;
+        EXPECT_TRUE(engine->Seek(2.0));
+        EXPECT_EQ(state, engine->state);
+    }
+    EXPECT_EQ(0, control.Runs());
+    EXPECT_EQ(0, control.Others());
+}
+
+// The same with the platform's own control.
+TEST_F(Seeking, TheGraphKeepsItsState) {
+    Open();
+    EXPECT_TRUE(engine->Seek(2.0));
+    EXPECT_EQ(Lines{}, StatesOf(L"MpcVideoRenderer64"));
     ASSERT_TRUE(SUCCEEDED(engine->control->Pause()));
-    engine->state = 1;
+    engine->state = kEnginePaused;
     ClearCalls();
     EXPECT_TRUE(engine->Seek(2.0));
     EXPECT_EQ(0, std::ranges::count(StatesOf(L"MpcVideoRenderer64"), L"Run"));
-    EXPECT_EQ(1U, engine->state);
+    ASSERT_TRUE(engine->Play());
+    EXPECT_TRUE(engine->Seek(4.0));
+    EXPECT_EQ(L"Run", StatesOf(L"MpcVideoRenderer64").back());
 }
 
 TEST_F(Seeking, SecondsOfPositionAndDuration) {
@@ -93,6 +105,13 @@ TEST_F(Seeking, SecondsOfPositionAndDuration) {
     SetNumber("LAVSplitter.durationMilliseconds", 61'500);
     EXPECT_DOUBLE_EQ(12.345, engine->GetPosition());
     EXPECT_DOUBLE_EQ(61.5, engine->GetDuration());
+}
+
+TEST_F(Seeking, APositionThatCanNotBeReadIsZero) {
+    Open();
+    engine->seeking = MakeLostSeeking();
+    EXPECT_DOUBLE_EQ(0.0, engine->GetPosition());
+    EXPECT_DOUBLE_EQ(0.0, engine->GetDuration());
 }
 
 TEST_F(Seeking, RelativeSeeksStayInTheFile) {
@@ -107,11 +126,22 @@ TEST_F(Seeking, RelativeSeeksStayInTheFile) {
 
 TEST_F(Seeking, WithUnknownDurationRelativeSeeksGoToTheStart) {
     SetText("LAVSplitter.keyFrames", L"");
-    SetNumber("LAVSplitter.durationMilliseconds", 0);
     Open();
     PlaceAt(10'000);
+    SetNumber("LAVSplitter.durationMilliseconds", 0);
     EXPECT_TRUE(engine->SeekRelative(5.0));
-    ExpectLines(SoughtTo(0), Calls());
+    SetNumber("LAVSplitter.durationMilliseconds", 60'000);
+    SetNumber("LAVSplitter.durationResult", E_FAIL);
+    EXPECT_TRUE(engine->SeekRelative(5.0));
+    EXPECT_TRUE(engine->SeekRelative(-5.0));
+    ExpectLines(Join({SoughtTo(0), SoughtTo(0), SoughtTo(0)}), Calls());
+}
+
+TEST_F(Seeking, RelativeSeeksSnapToo) {
+    Open();
+    PlaceAt(2'000);
+    EXPECT_TRUE(engine->SeekRelative(1.9));
+    ExpectLines(SoughtTo(40'000'000), Calls());
 }
 
 TEST_F(Seeking, StepsFromKeyFrameToKeyFrame) {
@@ -129,12 +159,46 @@ TEST_F(Seeking, BehindTheLastKeyFrameTheStepOnStaysThere) {
     ExpectLines(SoughtTo(40'000'000), Calls());
 }
 
-TEST_F(Seeking, NearTheFirstKeyFrameTheStepBackGoesThere) {
-    SetText("LAVSplitter.keyFrames", L"230000,20000000");
+TEST_F(Seeking, BehindTheLastKeyFrameTheEndOfTheFileIsAskedFor) {
+    // A file that is shorter than its table shows which of the two it was.
+    SetNumber("LAVSplitter.durationMilliseconds", 2'200);
     Open();
-    PlaceAt(400);
+    PlaceAt(4'000);
+    EXPECT_TRUE(engine->SeekNextKeyFrame());
+    ExpectLines(SoughtTo(20'000'000), Calls());
+}
+
+TEST_F(Seeking, BehindTheLastKeyFrameOfUnknownDurationTheStepOnGoesToTheFirst) {
+    SetText("LAVSplitter.keyFrames", L"230000,20000000");
+    SetNumber("LAVSplitter.durationResult", E_FAIL);
+    Open();
+    PlaceAt(2'000);
+    EXPECT_TRUE(engine->SeekNextKeyFrame());
+    ExpectLines(SoughtTo(230'000), Calls());
+}
+
+TEST_F(Seeking, NearTheFirstKeyFrameTheStepBackGoesThere) {
+    // The second one is nearer to the position, so that it was not the position that was sought.
+    SetText("LAVSplitter.keyFrames", L"230000,4000000,20000000");
+    Open();
+    PlaceAt(500);
     EXPECT_TRUE(engine->SeekPreviousKeyFrame());
     ExpectLines(SoughtTo(230'000), Calls());
+}
+
+TEST_F(Seeking, RepeatedStepsMakeProgress) {
+    Open();
+    // Half a second around a keyframe still belongs to it.
+    PlaceAt(2'500);
+    EXPECT_TRUE(engine->SeekPreviousKeyFrame());
+    PlaceAt(2'501);
+    EXPECT_TRUE(engine->SeekPreviousKeyFrame());
+    PlaceAt(1'500);
+    EXPECT_TRUE(engine->SeekNextKeyFrame());
+    PlaceAt(1'499);
+    EXPECT_TRUE(engine->SeekNextKeyFrame());
+    ExpectLines(Join({SoughtTo(0), SoughtTo(20'000'000), SoughtTo(40'000'000), SoughtTo(20'000'000)}),
+                Calls());
 }
 
 TEST_F(Seeking, WithoutTableTheStepsAreFiveSeconds) {
@@ -150,6 +214,32 @@ TEST_F(Seeking, TheTableIsSorted) {
     SetText("LAVSplitter.keyFrames", L"40000000,0,20000000");
     Open();
     EXPECT_EQ((std::vector<Time100ns>{0, 20'000'000, 40'000'000}), engine->keyFrames);
+}
+
+TEST_F(Seeking, TheTableIsReplacedWithTheFile) {
+    Open();
+    SetText("LAVSplitter.keyFrames", L"50000000");
+    ASSERT_TRUE(engine->OpenFile(kFilm));
+    EXPECT_EQ((std::vector<Time100ns>{50'000'000}), engine->keyFrames);
+    SetNumber("LAVSplitter.noKeyFrameInfo", 1);
+    ASSERT_TRUE(engine->OpenFile(kFilm));
+    EXPECT_TRUE(engine->keyFrames.empty());
+}
+
+TEST_F(Seeking, TheFirstTwentyTimesAreShown) {
+    std::wstring times = L"0";
+    std::wstring shown = L"> Keyframes: 0.00";
+    for (int second = 1; second < 20; ++second) {
+        times += L"," + std::to_wstring(second) + L"0000000";
+        shown += L", " + std::to_wstring(second) + L".00";
+    }
+    SetText("LAVSplitter.keyFrames", times.c_str());
+    ASSERT_TRUE(engine->OpenFile(kFilm));
+    EXPECT_EQ((Lines{L"> Keyframes found: 20", shown}), CallsOf(L"> Keyframes"));
+    SetText("LAVSplitter.keyFrames", (times + L",250000000").c_str());
+    ClearCalls();
+    ASSERT_TRUE(engine->OpenFile(kFilm));
+    EXPECT_EQ((Lines{L"> Keyframes found: 21", shown + L", ..."}), CallsOf(L"> Keyframes"));
 }
 
 TEST_F(Seeking, FewerKeyFramesThanCountedAreKept) {
@@ -196,13 +286,19 @@ TEST_F(Seeking, AFailedTableIsEmpty) {
 
 TEST_F(Seeking, RatesOutsideTheRangeAreRefused) {
     Open();
-    EXPECT_FALSE(engine->SetRate(0.2));
-    EXPECT_FALSE(engine->SetRate(4.1));
-    EXPECT_DOUBLE_EQ(1.0, engine->rate);
+    EXPECT_TRUE(engine->SetRate(1.5));
+    ClearCalls();
+    for (const double refused : {0.2, 0.2499, 4.0001, 4.1, 0.0, -1.0, std::nan("")}) {
+        EXPECT_FALSE(engine->SetRate(refused)) << refused;
+    }
+    EXPECT_DOUBLE_EQ(1.5, engine->rate);
     EXPECT_EQ(Lines{}, Calls());
     EXPECT_TRUE(engine->SetRate(0.25));
+    EXPECT_DOUBLE_EQ(0.25, engine->rate);
     EXPECT_TRUE(engine->SetRate(4.0));
     EXPECT_DOUBLE_EQ(4.0, engine->rate);
+    EXPECT_EQ((Lines{L"LAVSplitter.SetRate(0.25)", L"LAVSplitter.SetRate(4.00)"}),
+              CallsOf(L"LAVSplitter.SetRate"));
 }
 
 TEST_F(Seeking, ARefusedRateIsNotStored) {
@@ -212,123 +308,13 @@ TEST_F(Seeking, ARefusedRateIsNotStored) {
     EXPECT_DOUBLE_EQ(1.0, engine->rate);
 }
 
-TEST_F(Seeking, MarksAreSetAndCleared) {
+TEST_F(Seeking, TheRateSurvivesItsFileAndIsNotSentToTheNext) {
     Open();
-    PlaceAt(3'000);
-    engine->SetMarkA();
-    PlaceAt(9'000);
-    engine->SetMarkB();
-    EXPECT_EQ(30'000'000, engine->markA);
-    EXPECT_EQ(90'000'000, engine->markB);
-    ExpectLines({L"> AB Repeat: Mark A set at 3.00 sec", L"> AB Repeat: Mark B set at 9.00 sec (A=3.00)"},
-                Calls());
-    engine->lastRepeatJumpTick = 77;
-    engine->SetMarkB(); // again near B
-    EXPECT_EQ(0, engine->markB);
-    EXPECT_EQ(30'000'000, engine->markA);
-    EXPECT_EQ(0U, engine->lastRepeatJumpTick);
-    PlaceAt(3'500);
-    engine->lastRepeatJumpTick = 77;
-    engine->SetMarkA(); // again near A
-    EXPECT_EQ(0, engine->markA);
-    EXPECT_EQ(0U, engine->lastRepeatJumpTick);
-}
-
-TEST_F(Seeking, MarkBAloneRepeatsFromTheStart) {
-    Open();
-    PlaceAt(5'000);
-    engine->SetMarkB();
-    EXPECT_EQ(1, engine->markA);
-    EXPECT_EQ(50'000'000, engine->markB);
-    engine->ClearMarks();
-    EXPECT_EQ(0, engine->markA);
-    EXPECT_EQ(0, engine->markB);
-}
-
-// The two objects that stand behind `seeking`.
-
-TEST_F(Seeking, OnWindowsTheGraphsOwnObjectIsUsed) {
-    SetWineAnswerForTest(WineAnswer::Denied);
-    Open();
-    ComPtr<IMediaSeeking> own;
-    ASSERT_EQ(S_OK, engine->graph.As(&own));
-    EXPECT_EQ(own.Get(), engine->seeking.Get());
-    EXPECT_TRUE(engine->Seek(4.0));
-    ExpectLines(SoughtTo(40'000'000), Calls());
-    EXPECT_DOUBLE_EQ(60.0, engine->GetDuration());
-}
-
-TEST_F(Seeking, OnWineAnObjectOfOursIsUsed) {
-    SetWineAnswerForTest(WineAnswer::Forced);
-    Open();
-    ComPtr<IMediaSeeking> own;
-    ASSERT_EQ(S_OK, engine->graph.As(&own));
-    EXPECT_NE(own.Get(), engine->seeking.Get());
-    EXPECT_TRUE(engine->Seek(4.0));
-    ExpectLines(SoughtTo(40'000'000), Calls());
-}
-
-TEST_F(Seeking, OnWineTheRateGoesToTheSourceFollowedByASeekToThePosition) {
-    Open();
-    PlaceAt(7'000);
-    EXPECT_TRUE(engine->SetRate(1.5));
-    ExpectLines(Join({{L"LAVSplitter.SetRate(1.50)"}, SoughtTo(70'000'000)}), Calls());
-    double rate = 0.0;
-    EXPECT_EQ(S_OK, engine->seeking->GetRate(&rate));
-    EXPECT_DOUBLE_EQ(1.5, rate);
-}
-
-TEST_F(Seeking, OnWineSoundAloneTakesItsPositionFromTheClock) {
-    SetText("LAVSplitter.pins", L"Audio:audio");
-    SetText("LAVSplitter.keyFrames", L"");
-    PlaceAt(7'000); // an unconnected renderer is not asked
-    Open();
-    EXPECT_DOUBLE_EQ(0.0, engine->GetPosition());
-    EXPECT_TRUE(engine->Seek(5.0));
-    EXPECT_DOUBLE_EQ(5.0, engine->GetPosition());
-}
-
-TEST_F(Seeking, OnWineARendererThatCanNotSayLeavesItToTheClock) {
-    SetText("LAVSplitter.keyFrames", L"");
-    Open();
-    EXPECT_TRUE(engine->Seek(6.0));
-    EXPECT_DOUBLE_EQ(6.0, engine->GetPosition());
-}
-
-TEST_F(Seeking, OnWineASeekFromTheEndMovesAgain) {
-    SetText("LAVSplitter.pins", L"Audio:audio");
-    SetText("LAVSplitter.keyFrames", L"");
-    Open();
-    ASSERT_TRUE(engine->Play());
-    ComPtr<IMediaEventSink> sink;
-    ASSERT_EQ(S_OK, engine->graph.As(&sink));
-    for (int renderer = 0; renderer < 2; ++renderer) {
-        ASSERT_EQ(S_OK, sink->Notify(EC_COMPLETE, S_OK, 0));
-    }
-    EXPECT_DOUBLE_EQ(60.0, engine->GetPosition());
-    EXPECT_TRUE(engine->Seek(30.0));
-    EXPECT_NEAR(30.0, engine->GetPosition(), 1.0);
-    OAFilterState state = State_Stopped;
-    engine->control->GetState(100, &state);
-    EXPECT_EQ(State_Running, state);
-}
-
-TEST_F(Seeking, TheSubstituteAnswersTheWholeInterface) {
-    SetWineAnswerForTest(WineAnswer::Forced);
-    Open();
-    PlaceAt(2'000);
-    LONGLONG current = 0;
-    LONGLONG stop = 0;
-    EXPECT_EQ(S_OK, engine->seeking->GetPositions(&current, &stop));
-    EXPECT_EQ(20'000'000, current);
-    EXPECT_EQ(E_POINTER, engine->seeking->GetCurrentPosition(nullptr));
-    EXPECT_EQ(E_POINTER, engine->seeking->GetRate(nullptr));
-    ComPtr<IUnknown> unknown;
-    EXPECT_EQ(S_OK, engine->seeking.As(&unknown));
-    ComPtr<IMediaControl> other;
-    EXPECT_EQ(E_NOINTERFACE, engine->seeking.As(&other));
-    GUID format{};
-    EXPECT_EQ(S_OK, engine->seeking->GetTimeFormat(&format));
+    EXPECT_TRUE(engine->SetRate(2.0));
+    ClearCalls();
+    ASSERT_TRUE(engine->OpenFile(kFilm));
+    EXPECT_DOUBLE_EQ(2.0, engine->rate);
+    EXPECT_EQ(Lines{}, CallsOf(L"LAVSplitter.SetRate"));
 }
 
 } // namespace

@@ -31,11 +31,22 @@ TEST(RecentList, HoldsTenEntries) {
     EXPECT_EQ(list.back(), L"1");
 }
 
-TEST(VolumeStep, MovesByAFiveHundredthAndStaysInRange) {
+TEST(VolumeStep, MovesByATwentiethAndStaysInRange) {
     EXPECT_FLOAT_EQ(StepVolume(0.5F, true), 0.55F);
     EXPECT_FLOAT_EQ(StepVolume(0.5F, false), 0.45F);
     EXPECT_EQ(StepVolume(0.98F, true), 1.0F);
     EXPECT_EQ(StepVolume(0.02F, false), 0.0F);
+}
+
+TEST(KeyboardMap, OnlyKeysThatGoDownMayBeAccelerators) {
+    EXPECT_TRUE(MayBeAccelerator(0x0100));  // WM_KEYDOWN
+    EXPECT_TRUE(MayBeAccelerator(0x0104));  // WM_SYSKEYDOWN
+    EXPECT_FALSE(MayBeAccelerator(0x0101)); // WM_KEYUP
+    EXPECT_FALSE(MayBeAccelerator(0x0105)); // WM_SYSKEYUP
+    EXPECT_FALSE(MayBeAccelerator(0x0102)); // WM_CHAR
+    EXPECT_FALSE(MayBeAccelerator(0x0106)); // WM_SYSCHAR
+    EXPECT_FALSE(MayBeAccelerator(0x0201)); // WM_LBUTTONDOWN
+    EXPECT_FALSE(MayBeAccelerator(0));
 }
 
 TEST(KeyboardMap, EveryRowHasItsKeyAndCommand) {

@@ -210,7 +210,7 @@ TEST_F(AudioDecoderFlac, ARefusingSinkEndsTheDeliveryAndBrokenDataDoNot) {
         EXPECT_TRUE(decoder->Decode({packet.bytes, packet.start}, Into(heard)));
     }
     EXPECT_TRUE(decoder->Decode({}, Into(heard)));
-    EXPECT_GT(decoder->brokenPackets(), 0);
+    EXPECT_GT(decoder->BrokenPackets(), 0);
     decoder->StartSegment(1.0);
     EXPECT_EQ(DecodeAll(0).samples, stream.original);
     EXPECT_FALSE(decoder->SetCompression(1.0)) << "FLAC has no compression data";

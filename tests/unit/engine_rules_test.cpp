@@ -35,6 +35,11 @@ TEST(RenderRectRule, UnknownVideoSizeGivesNothing) {
     EXPECT_EQ((RenderRect{0, 0, 0, 0}), LetterboxRect({-1, -1}, {1000, 1000}));
 }
 
+TEST(RenderRectRule, OnePixelIsAKnownSize) {
+    EXPECT_EQ((RenderRect{25, 0, 50, 50}), LetterboxRect({1, 1}, {100, 50}));
+    EXPECT_EQ((RenderRect{0, 25, 50, 50}), LetterboxRect({1, 1}, {50, 100}));
+}
+
 TEST(RenderRectRule, EmptyHostGivesAnEmptyPicture) {
     EXPECT_EQ((RenderRect{0, 0, 0, 0}), LetterboxRect({1920, 1080}, {0, 0}));
 }
@@ -47,8 +52,12 @@ TEST(RotationRule, IsPositiveAndAQuarterTurn) {
     EXPECT_EQ(180U, NormalizeRotation(269));
     EXPECT_EQ(270U, NormalizeRotation(-1));
     EXPECT_EQ(180U, NormalizeRotation(-540));
-    EXPECT_LT(NormalizeRotation(std::numeric_limits<int>::min()), 360U);
-    EXPECT_LT(NormalizeRotation(std::numeric_limits<int>::max()), 360U);
+    EXPECT_EQ(0U, NormalizeRotation(89));
+    EXPECT_EQ(90U, NormalizeRotation(90));
+    EXPECT_EQ(180U, NormalizeRotation(-91));
+    EXPECT_EQ(0U, NormalizeRotation(-720));
+    EXPECT_EQ(180U, NormalizeRotation(std::numeric_limits<int>::min())); // 232 degrees
+    EXPECT_EQ(90U, NormalizeRotation(std::numeric_limits<int>::max()));  // 127 degrees
 }
 
 TEST(VolumeRule, AmplitudeInHundredthsOfADecibel) {
@@ -56,6 +65,8 @@ TEST(VolumeRule, AmplitudeInHundredthsOfADecibel) {
     EXPECT_EQ(-602, VolumeAmplitude(0.5F, false));
     EXPECT_EQ(-2000, VolumeAmplitude(0.1F, false));
     EXPECT_EQ(-4000, VolumeAmplitude(0.01F, false));
+    EXPECT_EQ(-1204, VolumeAmplitude(0.25F, false)); // -1204.1
+    EXPECT_EQ(-91, VolumeAmplitude(0.9F, false));    // -91.5
 }
 
 TEST(VolumeRule, NothingIsHeardAtZeroOrMuted) {
@@ -192,6 +203,37 @@ TEST(RepeatMarksRule, BNearItselfClearsBAlone) {
     marks = {kSecond, 9 * kSecond};
     EXPECT_EQ(MarkChange::Set, PressMarkB(marks, 10 * kSecond + 1));
     EXPECT_EQ((RepeatMarks{kSecond, 10 * kSecond + 1}), marks);
+}
+
+TEST(RepeatMarksRule, ARepeatNeedsBothMarksInOrder) {
+    EXPECT_TRUE(HasRepeat({kRepeatFromStart, 2}));
+    EXPECT_FALSE(HasRepeat({kRepeatFromStart, 1}));
+    EXPECT_FALSE(HasRepeat({0, 20'000'000}));
+    EXPECT_FALSE(HasRepeat({10'000'000, 0}));
+    EXPECT_FALSE(HasRepeat({}));
+}
+
+TEST(RepeatMarksRule, TheEndIsReachedFiftyMillisecondsBeforeB) {
+    constexpr RepeatMarks kMarks{10'000'000, 50'000'000};
+    EXPECT_FALSE(ReachesRepeatEnd(kMarks, 49'499'999));
+    EXPECT_TRUE(ReachesRepeatEnd(kMarks, 49'500'000));
+    EXPECT_TRUE(ReachesRepeatEnd(kMarks, 90'000'000));
+    EXPECT_TRUE(ReachesRepeatEnd({kRepeatFromStart, 50'000'000}, 49'500'000));
+}
+
+TEST(RepeatMarksRule, WithoutBothMarksInOrderNothingRepeats) {
+    EXPECT_FALSE(ReachesRepeatEnd({}, 50'000'000));
+    EXPECT_FALSE(ReachesRepeatEnd({10'000'000, 0}, 50'000'000));
+    EXPECT_FALSE(ReachesRepeatEnd({0, 20'000'000}, 50'000'000));
+    EXPECT_FALSE(ReachesRepeatEnd({20'000'000, 20'000'000}, 50'000'000));
+    EXPECT_FALSE(ReachesRepeatEnd({30'000'000, 20'000'000}, 50'000'000));
+}
+
+TEST(RepeatMarksRule, TwoJumpsAreHalfASecondApart) {
+    EXPECT_FALSE(MayRepeatAgain(1'000, 1'000));
+    EXPECT_FALSE(MayRepeatAgain(1'000, 1'499));
+    EXPECT_TRUE(MayRepeatAgain(1'000, 1'500));
+    EXPECT_TRUE(MayRepeatAgain(0, 500));
 }
 
 TEST(ClockPositionRule, BeginsAtTheTargetAndLagsByTheLead) {

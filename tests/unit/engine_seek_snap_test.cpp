@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <limits>
 #include <vector>
 
@@ -42,6 +44,31 @@ TEST(SeekSnap, BeyondTheEndsGoesToTheFirstAndLast) {
     EXPECT_EQ(10'000'000, SnapToKeyFrame(kTable, kSmallest));
     EXPECT_EQ(70'000'000, SnapToKeyFrame(kTable, 70'000'001));
     EXPECT_EQ(70'000'000, SnapToKeyFrame(kTable, kLargest));
+}
+
+TEST(SeekSnap, OneKeyFrameDrawsEverythingToItself) {
+    const std::vector<Time100ns> table = {20'000'000};
+    for (const Time100ns target : {Time100ns{0}, Time100ns{20'000'000}, Time100ns{900'000'000}}) {
+        EXPECT_EQ(20'000'000, SnapToKeyFrame(table, target));
+    }
+}
+
+TEST(SeekSnap, AgreesWithALookAtEveryEntry) {
+    std::uint32_t random = 5;
+    const auto next = [&random] {
+        random = random * 1664525U + 1013904223U;
+        return static_cast<Time100ns>(random >> 12);
+    };
+    std::vector<Time100ns> table(1000);
+    std::ranges::generate(table, next);
+    std::ranges::sort(table);
+    for (int i = 0; i < 5000; ++i) {
+        const Time100ns target = next() - 1000;
+        // The first of the nearest, as the table ascends.
+        const auto nearest = std::ranges::min_element(
+            table, {}, [target](Time100ns keyFrame) { return std::abs(keyFrame - target); });
+        ASSERT_EQ(*nearest, SnapToKeyFrame(table, target)) << target;
+    }
 }
 
 TEST(SeekSnap, DistancesBeyondTheSignedRangeAreCompared) {

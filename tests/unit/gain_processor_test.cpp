@@ -82,7 +82,9 @@ TEST(GainProcessor, QuietSoundIsRaisedByTheLargestFactor) {
     }
 }
 
-TEST(GainProcessor, NothingEverPassesFullScale) {
+// The processor cuts off what passes full scale, so that alone would hide a gain that is too high: a wave
+// that is cut has neighbours that both lie at full scale, and this tone has its crests on single samples.
+TEST(GainProcessor, NothingPassesFullScaleAndNothingIsCutOff) {
     std::uint32_t random = 5;
     for (const GainSettings& settings :
          {GainSettings{.normalize = true}, GainSettings{.normalize = true, .boost = 3.0},
@@ -95,6 +97,39 @@ TEST(GainProcessor, NothingEverPassesFullScale) {
             auto samples = Tone(amplitude, 1 + static_cast<int>((random >> 8) % 1500), block * 77);
             Process(processor, samples);
             ASSERT_LE(Peak(samples), 1.0F) << block;
+            for (std::size_t i = 1; i < samples.size(); ++i) {
+                ASSERT_FALSE(std::abs(samples[i - 1]) >= 1.0F && std::abs(samples[i]) >= 1.0F)
+                    << block << ", " << i;
+            }
+        }
+    }
+}
+
+TEST(GainEnvelope, NoGainLiftsItsPeakBeyondFullScale) {
+    constexpr double kRounding = 1e-6;
+    std::uint32_t random = 7;
+    const auto next = [&random] {
+        return (random = random * 1664525U + 1013904223U) >> 8;
+    };
+    for (const double ceiling : {1.0, 3.0, 10.0}) {
+        for (const double rise : {1.0, 1.00004, 1.01}) {
+            GainEnvelope envelope;
+            std::vector<float> gains;
+            double before = ceiling;
+            for (int block = 0; block < 200; ++block) {
+                std::vector<float> peaks(1 + next() % 60);
+                for (float& peak : peaks) {
+                    peak = next() % 4 == 0 ? 0.0F : static_cast<float>(next() % 1300) / 1000.0F;
+                }
+                envelope.Follow(peaks, ceiling, rise, gains);
+                ASSERT_EQ(gains.size(), peaks.size());
+                for (std::size_t i = 0; i < gains.size(); ++i) {
+                    ASSERT_LE(gains[i] * peaks[i], 1.0 + kRounding) << block << ", " << i;
+                    ASSERT_LE(gains[i], std::min(ceiling, before * rise) + kRounding) << block << ", " << i;
+                    ASSERT_GT(gains[i], 0.0F);
+                    before = gains[i];
+                }
+            }
         }
     }
 }
@@ -109,6 +144,60 @@ TEST(GainProcessor, TheGainFallsAheadOfALoudSampleWithoutAStep) {
     EXPECT_NEAR(samples[2399], 0.1111F, 0.01F);
     for (std::size_t i = 1; i < 2400; ++i) {
         ASSERT_LE(std::abs(samples[i] - samples[i - 1]), 0.01F) << i;
+    }
+}
+
+// The level of each stretch of one period that begins `from` or later, in decibels; entry i begins at from +
+// i.
+std::vector<double> LevelsFrom(const std::vector<float>& samples, std::size_t from, std::size_t period) {
+    std::vector<double> levels;
+    double energy = 0;
+    for (std::size_t i = from; i < samples.size(); ++i) {
+        energy += static_cast<double>(samples[i]) * samples[i];
+        if (i + 1 >= from + period) {
+            levels.push_back(10.0 * std::log10(energy / static_cast<double>(period)));
+            const double leaving = samples[i + 1 - period];
+            energy -= leaving * leaving;
+        }
+    }
+    return levels;
+}
+
+// A tone of 1 kHz that steps from -40 to -6 dBFS.
+std::vector<float> SteppingTone(std::size_t quietFrames, std::size_t frames, double phase) {
+    std::vector<float> samples(frames);
+    for (std::size_t i = 0; i < frames; ++i) {
+        const double amplitude = std::pow(10.0, (i < quietFrames ? -40.0 : -6.0) / 20.0);
+        const double angle = 2.0 * std::numbers::pi * 1000.0 * static_cast<double>(i) / kRate;
+        samples[i] = static_cast<float>(amplitude * std::sin(angle + phase));
+    }
+    return samples;
+}
+
+TEST(GainProcessor, AStepInLoudnessHardlyOvershoots) {
+    constexpr std::size_t kPeriod = kRate / 1000;
+    constexpr std::size_t kStep = kRate / 2;
+    constexpr std::size_t kTenMilliseconds = kRate / 100;
+    constexpr double kLargestOvershoot = 0.5; // dB
+    constexpr double kSettled = 0.05;         // dB
+    for (const std::size_t blockFrames : {64U, 100U, 256U, 480U, 1000U, 1024U, 2048U, 4800U}) {
+        for (int phase = 0; phase < 12; ++phase) {
+            GainProcessor processor;
+            processor.SetSettings({.normalize = true, .maxFactor = 3.0, .recover = true});
+            auto samples = SteppingTone(kStep, kStep + kRate / 2, phase * std::numbers::pi / 12.0);
+            for (std::size_t at = 0; at < samples.size(); at += blockFrames) {
+                processor.Process(kMono, reinterpret_cast<std::uint8_t*>(samples.data() + at),
+                                  static_cast<int>(std::min(blockFrames, samples.size() - at)));
+            }
+            const auto levels = LevelsFrom(samples, kStep, kPeriod);
+            const double settled = levels.back();
+            EXPECT_NEAR(settled, 10.0 * std::log10(0.5), 0.1) << "full scale";
+            for (std::size_t i = 0; i < levels.size(); ++i) {
+                const double allowed = i < kTenMilliseconds ? kLargestOvershoot : kSettled;
+                ASSERT_LE(levels[i] - settled, allowed)
+                    << i << " frames after the step, blocks of " << blockFrames << ", phase " << phase;
+            }
+        }
     }
 }
 

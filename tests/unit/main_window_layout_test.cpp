@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace brindlecast {
 namespace {
 
@@ -30,35 +32,57 @@ TEST(MainWindowPlacement, AFirstWindowIsCentred) {
     EXPECT_EQ(CenterOnScreen(kStartSize, kScreen), (Rect{360, 132, 1560, 948}));
 }
 
-TEST(MainWindowPlacement, AVisibleRectangleComesBackUnchanged) {
-    const Rect stored{100, 120, 900, 700};
-    EXPECT_EQ(RestoreRectangle(stored, kWork, kScreen), stored);
+TEST(MainWindowPlacement, AVisibleWindowComesBackWhereItWas) {
+    EXPECT_EQ(RestoreCorner({100, 120}, {800, 580}, kWork, kScreen), (Point{100, 120}));
 }
 
-TEST(MainWindowPlacement, ARectangleOnNoMonitorIsCentredAtItsSize) {
-    EXPECT_EQ(RestoreRectangle({-10000, 0, -9200, 600}, std::nullopt, kScreen), (Rect{560, 240, 1360, 840}));
+TEST(MainWindowPlacement, AWindowOnNoMonitorIsCentred) {
+    EXPECT_EQ(RestoreCorner({-10000, 0}, {800, 600}, std::nullopt, kScreen), (Point{560, 240}));
 }
 
 struct Clamp {
     const char* name;
-    Rect stored;
-    Rect expected;
+    Point stored;
+    Point expected;
 };
 
 TEST(MainWindowPlacement, FiftyPixelsReachIntoTheWorkArea) {
     const Clamp cases[] = {
-        {"49 pixels left over at the left: back to the edge", {-751, 100, 49, 700}, {0, 100, 800, 700}},
-        {"50 pixels left over at the left: stays", {-750, 100, 50, 700}, {-750, 100, 50, 700}},
-        {"49 pixels left over at the top", {100, -551, 900, 49}, {100, 0, 900, 600}},
-        {"50 pixels left over at the top", {100, -550, 900, 50}, {100, -550, 900, 50}},
-        {"49 pixels left over at the right", {1871, 100, 2671, 700}, {1120, 100, 1920, 700}},
-        {"50 pixels left over at the right", {1870, 100, 2670, 700}, {1870, 100, 2670, 700}},
-        {"49 pixels left over at the bottom", {100, 991, 900, 1591}, {100, 440, 900, 1040}},
-        {"50 pixels left over at the bottom", {100, 990, 900, 1590}, {100, 990, 900, 1590}},
+        {"49 pixels left over at the left: back to the edge", {-751, 100}, {0, 100}},
+        {"50 pixels left over at the left: stays", {-750, 100}, {-750, 100}},
+        {"49 pixels left over at the top", {100, -551}, {100, 0}},
+        {"50 pixels left over at the top", {100, -550}, {100, -550}},
+        {"49 pixels left over at the right", {1871, 100}, {1120, 100}},
+        {"50 pixels left over at the right", {1870, 100}, {1870, 100}},
+        {"49 pixels left over at the bottom", {100, 991}, {100, 440}},
+        {"50 pixels left over at the bottom", {100, 990}, {100, 990}},
     };
     for (const Clamp& test : cases) {
-        EXPECT_EQ(RestoreRectangle(test.stored, kWork, kScreen), test.expected) << test.name;
+        EXPECT_EQ(RestoreCorner(test.stored, {800, 600}, kWork, kScreen), test.expected) << test.name;
     }
+}
+
+// The store may hold any number.
+constexpr int kMost = std::numeric_limits<int>::max();
+constexpr int kLeast = std::numeric_limits<int>::min();
+
+TEST(MainWindowPlacement, EdgesBeyondTheRangeOfNumbersEndThere) {
+    EXPECT_EQ(StoredRectangle({100, 120}, {800, 580}), (Rect{100, 120, 900, 700}));
+    EXPECT_EQ(StoredRectangle({kMost - 10, kMost}, {800, 1}), (Rect{kMost - 10, kMost, kMost, kMost}));
+    EXPECT_EQ(StoredRectangle({kMost, 0}, {kMost, kMost}), (Rect{kMost, 0, kMost, kMost}));
+    EXPECT_EQ(StoredRectangle({kLeast, kLeast}, {kMost, 1}), (Rect{kLeast, kLeast, -1, kLeast + 1}));
+}
+
+TEST(MainWindowPlacement, ExtremeValuesArePutBackLikeOthers) {
+    EXPECT_EQ(RestoreCorner({kMost, kMost}, {800, 600}, kWork, kScreen), (Point{1120, 440}));
+    EXPECT_EQ(RestoreCorner({kLeast, kLeast}, {800, 600}, kWork, kScreen), (Point{0, 0}));
+    EXPECT_EQ(RestoreCorner({kMost, kMost}, {kMost, kMost}, kWork, kScreen),
+              (Point{1920 - kMost, 1040 - kMost}));
+    // A work area left of and above the first screen.
+    EXPECT_EQ(RestoreCorner({0, 0}, {kMost, kMost}, Rect{-1920, -1080, 0, -40}, kScreen),
+              (Point{kLeast + 1, kLeast}));
+    EXPECT_EQ(RestoreCorner({0, 0}, {kMost, kMost}, std::nullopt, kScreen),
+              (Point{(1920 - kMost) / 2, (1080 - kMost) / 2}));
 }
 
 } // namespace

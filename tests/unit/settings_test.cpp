@@ -25,6 +25,37 @@ TEST(Settings, AFirstRunKeepsEveryDefault) {
     EXPECT_EQ(settings.welcomeMsg, L"브린들캐스트 - 동영상 플레이어");
 }
 
+TEST(Settings, WhatCantBeReadLeavesItsFieldAsItWas) {
+    AppSettings before;
+    before.windowX = 1;
+    before.windowY = 2;
+    before.windowW = 3;
+    before.windowH = 4;
+    before.windowMaximized = true;
+    before.seekbarThumbnailPreview = true;
+    before.welcomeMsg = L"이전";
+    // First a store that can't be opened, then one in which every value has the wrong type.
+    FakeSettingsStore unusable;
+    for (const wchar_t* name : {L"RememberWindowPos", L"WindowX", L"WindowY", L"WindowW", L"WindowH",
+                                L"WindowMaximized", L"SeekbarThumbnailPreview"}) {
+        unusable.values[name] = std::wstring(L"1234");
+    }
+    unusable.values[L"WelcomeMsg"] = 7U;
+    FakeSettingsStore absent;
+    for (FakeSettingsStore* store : {&absent, &unusable}) {
+        AppSettings settings = before;
+        LoadSettings(settings, *store);
+        EXPECT_TRUE(settings.rememberWindowPos);
+        EXPECT_EQ(settings.windowX, 1);
+        EXPECT_EQ(settings.windowY, 2);
+        EXPECT_EQ(settings.windowW, 3);
+        EXPECT_EQ(settings.windowH, 4);
+        EXPECT_TRUE(settings.windowMaximized);
+        EXPECT_TRUE(settings.seekbarThumbnailPreview);
+        EXPECT_EQ(settings.welcomeMsg, L"이전");
+    }
+}
+
 TEST(Settings, LoadReadsEachValueInItsOrder) {
     FakeSettingsStore store;
     store.values = {{L"RememberWindowPos", 1U},
@@ -51,15 +82,24 @@ TEST(Settings, LoadReadsEachValueInItsOrder) {
 
 TEST(Settings, WithoutRememberingThePlacementIsNeitherReadNorWritten) {
     FakeSettingsStore store;
-    store.values = {{L"RememberWindowPos", 0U}, {L"WindowX", 10U}, {L"WindowW", 640U}};
+    store.values = {{L"RememberWindowPos", 0U}, {L"WindowX", 10U},  {L"WindowY", 20U},
+                    {L"WindowW", 640U},         {L"WindowH", 480U}, {L"WindowMaximized", 1U}};
     AppSettings settings;
     LoadSettings(settings, store);
     EXPECT_FALSE(settings.rememberWindowPos);
     EXPECT_EQ(settings.windowX, -1);
+    EXPECT_EQ(settings.windowY, -1);
     EXPECT_EQ(settings.windowW, -1);
+    EXPECT_EQ(settings.windowH, -1);
+    EXPECT_FALSE(settings.windowMaximized);
+    EXPECT_EQ(store.reads,
+              (std::vector<std::wstring>{L"RememberWindowPos", L"SeekbarThumbnailPreview", L"WelcomeMsg"}));
+    const auto before = store.values;
     settings.windowX = 99;
     SaveSettings(settings, store);
-    EXPECT_EQ(std::get<std::uint32_t>(store.values[L"WindowX"]), 10U);
+    for (const wchar_t* name : {L"WindowX", L"WindowY", L"WindowW", L"WindowH", L"WindowMaximized"}) {
+        EXPECT_EQ(store.values[name], before.at(name));
+    }
     EXPECT_EQ(store.writes,
               (std::vector<std::wstring>{L"RememberWindowPos", L"SeekbarThumbnailPreview", L"WelcomeMsg"}));
 }

@@ -14,7 +14,7 @@ public:
     using Handle = typename Traits::Handle;
 
     UniqueResource() = default;
-    explicit UniqueResource(Handle handle) : handle(handle) {}
+    explicit UniqueResource(Handle newHandle) : handle(newHandle) {}
     UniqueResource(UniqueResource&& other) noexcept : handle(other.Release()) {}
     UniqueResource& operator=(UniqueResource&& other) noexcept {
         if (this != &other) {
@@ -49,6 +49,13 @@ struct HandleTraits {
     static void Close(Handle handle) { CloseFunction(handle); }
 };
 
+// An open file; unlike other kernel objects its absence is INVALID_HANDLE_VALUE.
+struct FileTraits {
+    using Handle = HANDLE;
+    static Handle None() { return INVALID_HANDLE_VALUE; }
+    static void Close(Handle handle) { CloseHandle(handle); }
+};
+using UniqueFile = UniqueResource<FileTraits>;
 // A kernel object.
 using UniqueHandle = UniqueResource<HandleTraits<HANDLE, CloseHandle>>;
 // A loaded library.
@@ -66,7 +73,7 @@ using UniqueMemoryDc = UniqueResource<HandleTraits<HDC, DeleteDC>>;
 // Selects an object into a device context and puts the old one back.
 class SelectGuard {
 public:
-    SelectGuard(HDC context, HGDIOBJ object) : context(context), old(SelectObject(context, object)) {}
+    SelectGuard(HDC target, HGDIOBJ object) : context(target), old(SelectObject(target, object)) {}
     SelectGuard(const SelectGuard&) = delete;
     SelectGuard& operator=(const SelectGuard&) = delete;
     ~SelectGuard() { SelectObject(context, old); }

@@ -91,11 +91,11 @@ public:
 
 protected:
     void* FindInterface(REFIID iid) override {
-        if (iid == __uuidof(ILAVAudioSettings) && Script("noSettings") == 0) {
-            return static_cast<ILAVAudioSettings*>(this);
+        if (iid == __uuidof(ILAVAudioSettings)) {
+            return Offer("noSettings", static_cast<ILAVAudioSettings*>(this));
         }
-        if (iid == __uuidof(ILAVAudioStatus) && Script("noStatus") == 0) {
-            return static_cast<ILAVAudioStatus*>(this);
+        if (iid == __uuidof(ILAVAudioStatus)) {
+            return Offer("noStatus", static_cast<ILAVAudioStatus*>(this));
         }
         return nullptr;
     }

@@ -38,8 +38,9 @@ public:
 
 protected:
     void* FindInterface(REFIID iid) override {
-        const bool offered = iid == __uuidof(IAudioSwitcherFilter) && Script("noControl") == 0;
-        return offered ? static_cast<IAudioSwitcherFilter*>(this) : nullptr;
+        return iid == __uuidof(IAudioSwitcherFilter)
+                   ? Offer("noControl", static_cast<IAudioSwitcherFilter*>(this))
+                   : nullptr;
     }
 };
 

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "base/text.h"
+#include "tests/graph/fakes/fake_pin.h"
 #include "tests/graph/fakes/recorder.h"
 
 #include <windows.h>
 
 #include <strmif.h>
-#include <wrl/client.h>
 
 #include <atomic>
 #include <memory>
@@ -15,64 +15,23 @@
 
 namespace brindlecast::testing {
 
-using Microsoft::WRL::ComPtr;
-
-// A media type of a fake pin.
-struct FakeType {
-    GUID major = GUID_NULL;
-    GUID subtype = GUID_NULL;
-    GUID formatType = GUID_NULL;
-    std::vector<BYTE> format;
-};
-
-// An allocated copy, as a filter hands it out.
-[[nodiscard]] AM_MEDIA_TYPE* AllocateType(const FakeType& type);
-void FillType(AM_MEDIA_TYPE& target, const FakeType& type);
-
-// The compressed types that only the fake decoders take, and the plain ones that only renderers take.
-[[nodiscard]] FakeType CompressedAudioType();
-[[nodiscard]] FakeType PlainAudioType();
-[[nodiscard]] FakeType PlainVideoType();
-
-class FakeFilter;
-
-// A pin that connects when both sides know the type, and carries nothing. Lives as long as its filter.
-class FakePin final : public IPin {
-public:
-    FakePin(FakeFilter& filter, std::wstring name, PIN_DIRECTION direction, std::vector<FakeType> types)
-        : filter(filter), name(std::move(name)), direction(direction), types(std::move(types)) {}
-
-    STDMETHODIMP QueryInterface(REFIID iid, void** out) override;
-    STDMETHODIMP_(ULONG) AddRef() override;
-    STDMETHODIMP_(ULONG) Release() override;
-    STDMETHODIMP Connect(IPin* receiver, const AM_MEDIA_TYPE* type) override;
-    STDMETHODIMP ReceiveConnection(IPin* connector, const AM_MEDIA_TYPE* type) override;
-    STDMETHODIMP Disconnect() override;
-    STDMETHODIMP ConnectedTo(IPin** pin) override;
-    STDMETHODIMP ConnectionMediaType(AM_MEDIA_TYPE* type) override;
-    STDMETHODIMP QueryPinInfo(PIN_INFO* info) override;
-    STDMETHODIMP QueryDirection(PIN_DIRECTION* out) override;
-    STDMETHODIMP QueryId(LPWSTR* id) override;
-    STDMETHODIMP QueryAccept(const AM_MEDIA_TYPE* type) override;
-    STDMETHODIMP EnumMediaTypes(IEnumMediaTypes** out) override;
-    STDMETHODIMP QueryInternalConnections(IPin** pins, ULONG* count) override;
-    STDMETHODIMP EndOfStream() override { return S_OK; }
-    STDMETHODIMP BeginFlush() override { return S_OK; }
-    STDMETHODIMP EndFlush() override { return S_OK; }
-    STDMETHODIMP NewSegment(REFERENCE_TIME, REFERENCE_TIME, double) override { return S_OK; }
-
-    FakeFilter& filter;
-    const std::wstring name;
-    const PIN_DIRECTION direction;
-    const std::vector<FakeType> types;
-    ComPtr<IPin> peer;
-    FakeType connectedType;
-};
+// Whether the code at this address belongs to the program and not to a library. Some answers are for the
+// engine alone, because Wine's graph manager does not survive them.
+[[nodiscard]] bool IsInExecutable(const void* address);
 
 // A filter that records what happens to it under its module's name, and answers by the script. Keys of the
-// script begin with that name and a point: ".create", ".join", ".pause" (once connected), ".refuse"
-// (connections of its inputs),
-// ".refuseOutput", ".enumPins", and ".no" followed by the name of an interface.
+// script begin with that name and a point; besides those of the pins they are
+//   classObject, create, join, stop   failures
+//   classObjectIsNull, createIsNull   a success that hands nothing out
+//   createWrites          creating fails and writes a pointer all the same
+//   pause                 failure once something is connected; pauseTimes: how often, else always
+//   completes             running reports the end of the file at once
+//   refuse                failure of connecting the inputs
+//   noInput, noOutput     there is no pin of that direction
+//   enumPins              failure, for the engine alone, like the next three
+//   pinsAreNull, pinIsNull, pinsAreEndless   a success without an enumerator, without a pin, without end
+// and "no" followed by the name of an interface: 1, it is not offered; 2, asking for it succeeds and hands
+// nothing out.
 class FakeFilter : public IBaseFilter {
 public:
     FakeFilter(std::wstring moduleName, const CLSID& clsid);
@@ -98,27 +57,29 @@ public:
 
     // The script's number under this filter's name.
     [[nodiscard]] long Script(const char* key, long absent = 0) const;
+    // Whether something is to happen once more, by a number that each time takes one away.
+    [[nodiscard]] bool CountDown(const char* key) const;
     [[nodiscard]] const wchar_t* ScriptText(const char* key) const;
     // Adds a line "Module.text".
     void Record(RecordKind kind, const std::wstring& text) const;
     // The failure of a connection to an input, 0 when it may be made.
     [[nodiscard]] virtual long InputRefusal() const { return Script("refuse"); }
     [[nodiscard]] virtual long PauseFailure() const { return Script("pause"); }
-    [[nodiscard]] std::wstring GraphName() const { return graphName; }
 
     std::vector<std::unique_ptr<FakePin>> pins;
 
 protected:
     // The interface without a reference, or null.
     [[nodiscard]] virtual void* FindInterface(REFIID) { return nullptr; }
-    void AddPin(const wchar_t* name, PIN_DIRECTION direction, std::vector<FakeType> types) {
-        pins.push_back(std::make_unique<FakePin>(*this, name, direction, std::move(types)));
-    }
+    // What FindInterface answers for an interface that the script's key is about.
+    [[nodiscard]] void* Offer(const char* key, void* found) const;
+    void AddPin(const wchar_t* name, PIN_DIRECTION direction, std::vector<FakeType> types);
 
     const std::wstring moduleName;
 
 private:
     [[nodiscard]] bool IsConnected() const;
+    void ReportTheEnd();
 
     const CLSID clsid;
     std::atomic<ULONG> references{1};

@@ -1,5 +1,7 @@
 #include "tests/graph/fakes/fake_filter.h"
 
+#include <cstdint>
+
 namespace brindlecast::testing {
 namespace {
 
@@ -22,8 +24,12 @@ public:
         if (const long failure = RecorderNumber((name + ".create").c_str(), 0); failure != 0) {
             return failure;
         }
-        if (RecorderNumber((name + ".createNull").c_str(), 0) != 0) {
+        if (RecorderNumber((name + ".createIsNull").c_str(), 0) != 0) {
             return S_OK;
+        }
+        if (RecorderNumber((name + ".createWrites").c_str(), 0) != 0) {
+            *out = reinterpret_cast<void*>(std::uintptr_t{0x10});
+            return E_FAIL;
         }
         ComPtr<FakeFilter> filter;
         // Not Attach: that of the compiler's ComPtr adds a reference.
@@ -44,6 +50,9 @@ extern "C" __declspec(dllexport) HRESULT STDAPICALLTYPE
     const long failure = RecorderNumber((std::string(kFakeName) + ".classObject").c_str(), 0);
     if (failure != 0) {
         return failure;
+    }
+    if (RecorderNumber((std::string(kFakeName) + ".classObjectIsNull").c_str(), 0) != 0) {
+        return S_OK;
     }
     return clsid == kFakeClass ? factory.QueryInterface(iid, out) : CLASS_E_CLASSNOTAVAILABLE;
 }

@@ -10,11 +10,17 @@
 #include <sstream>
 
 // A splitter whose pins, streams and keyframes come from the script when it loads a file:
-//   LAVSplitter.pins      "Video:video/1920/1080/400000;Audio:audio"   name:type,type…; a type is
-//   kind/width/height/duration,
-//                         kind one of video (VideoInfo2), videoinfo, audio, subtitle
-//   LAVSplitter.streams   "audio:1:Korean;subtitle:0:-"                kind:flags:name, "-" for no name
-//   LAVSplitter.keyFrames "0,20000000"
+//   LAVSplitter.pins         "Video:video/1920/1080/400000;Audio:audio"   name:type,type…
+//   LAVSplitter.streams      "audio:1:Korean;subtitle:0:-"                kind:flags:name, "-" for no name
+//   LAVSplitter.streamCount  how many streams it says it has; asking for more than there are fails
+//   LAVSplitter.keyFrames    "0,20000000"
+//   LAVSplitter.load         failure of loading; loadFailures, how many loads fail before one does not, and
+//                            loadsBeforeFailure, how many do not before one fails
+// A type is "audio", "subtitle", or for the format blocks VideoInfo2 and VideoInfo
+//   video/width/height/duration/subtype/compression/block
+//   videoinfo/…
+// with H264 where the subtype is left out, the subtype where the compression is, a compression in one digit
+// as that number, and the block "short" (cut off), "null" (with its length alone) or "none".
 
 namespace brindlecast::testing {
 
@@ -25,7 +31,6 @@ namespace {
 
 constexpr GUID kSubtitleType = {0xE487EB08, 0x6B26, 0x4BE9, {0x9D, 0xD3, 0x99, 0x34, 0x34, 0xD3, 0x13, 0xFD}};
 constexpr GUID kTextType = {0x73747874, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71}};
-constexpr GUID kH264Type = {0x34363248, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71}};
 
 std::vector<std::wstring> Split(const std::wstring& text, wchar_t separator) {
     std::vector<std::wstring> parts;
@@ -36,16 +41,33 @@ std::vector<std::wstring> Split(const std::wstring& text, wchar_t separator) {
     return parts;
 }
 
+std::wstring FieldOr(const std::vector<std::wstring>& fields, std::size_t index, const std::wstring& absent) {
+    return index < fields.size() && !fields[index].empty() ? fields[index] : absent;
+}
+
 template <class Header>
 FakeType VideoType(const GUID& formatType, const std::vector<std::wstring>& fields) {
+    const std::wstring subtype = FieldOr(fields, 4, L"H264");
+    const std::wstring compression = FieldOr(fields, 5, subtype);
+    const std::wstring block = FieldOr(fields, 6, L"whole");
     Header header{};
     header.bmiHeader.biSize = sizeof(header.bmiHeader);
     header.bmiHeader.biWidth = std::stol(fields.at(1));
     header.bmiHeader.biHeight = std::stol(fields.at(2));
-    header.bmiHeader.biCompression = 0x34363248;
+    header.bmiHeader.biCompression =
+        compression.size() == 1 ? static_cast<DWORD>(compression[0] - L'0') : FourCc(compression);
     header.AvgTimePerFrame = std::stoll(fields.at(3));
-    FakeType type{MEDIATYPE_Video, kH264Type, formatType, std::vector<BYTE>(sizeof(header))};
+    FakeType type{MEDIATYPE_Video, FourCcSubtype(subtype), formatType, std::vector<BYTE>(sizeof(header))};
     std::memcpy(type.format.data(), &header, sizeof(header));
+    if (block == L"short") {
+        // All but the last byte: what is read lies in front of it.
+        type.format.pop_back();
+    } else if (block == L"null") {
+        type.formatIsMissing = true;
+    } else if (block == L"none") {
+        type.formatType = GUID_NULL;
+        type.format.clear();
+    }
     return type;
 }
 
@@ -169,6 +191,9 @@ public:
             return E_FAIL;
         }
         RecorderSetNumber("LAVSplitter.loadsBeforeFailure", left < 0 ? -1 : left - 1);
+        if (CountDown("loadFailures")) {
+            return E_FAIL;
+        }
         return Script("load");
     }
     FAKE_UNEXPECTED(HRESULT, GetCurFile, LPOLESTR*, AM_MEDIA_TYPE*)
@@ -176,17 +201,23 @@ public:
     // IAMStreamSelect
     STDMETHODIMP Count(DWORD* count) override {
         Record(kRecordQuery, L"Count");
-        *count = static_cast<DWORD>(Streams().size());
+        *count = static_cast<DWORD>(Script("streamCount", static_cast<long>(Streams().size())));
         return Script("countResult");
     }
     STDMETHODIMP Info(long index, AM_MEDIA_TYPE** type, DWORD* flags, LCID* language, DWORD* group,
                       WCHAR** name, IUnknown** object, IUnknown** unknown) override {
-        Record(kRecordQuery, FormatText(L"Info(%d)", index));
+        Record(kRecordQuery,
+               FormatText(L"Info(%d%s%s%s)", index, type != nullptr ? L", type" : L"",
+                          flags != nullptr ? L", flags" : L"", name != nullptr ? L", name" : L""));
         if (Script("infoFails", -1) == index || language != nullptr || group != nullptr ||
             object != nullptr || unknown != nullptr) {
             return E_FAIL;
         }
-        const auto fields = Split(Streams().at(static_cast<std::size_t>(index)), L':');
+        const auto streams = Streams();
+        if (static_cast<std::size_t>(index) >= streams.size()) {
+            return S_FALSE;
+        }
+        const auto fields = Split(streams[static_cast<std::size_t>(index)], L':');
         if (type != nullptr) {
             *type = AllocateType({MajorType(fields.at(0)), GUID_NULL, GUID_NULL, {1, 2, 3}});
         }
@@ -249,19 +280,20 @@ public:
 
 protected:
     void* FindInterface(REFIID iid) override {
-        if (iid == __uuidof(ILAVFSettings) && Script("noSettings") == 0) {
-            return static_cast<ILAVFSettings*>(this);
+        if (iid == __uuidof(ILAVFSettings)) {
+            return Offer("noSettings", static_cast<ILAVFSettings*>(this));
         }
-        if (iid == __uuidof(IKeyFrameInfo) && Script("noKeyFrameInfo") == 0) {
-            return static_cast<IKeyFrameInfo*>(this);
+        if (iid == __uuidof(IKeyFrameInfo)) {
+            return Offer("noKeyFrameInfo", static_cast<IKeyFrameInfo*>(this));
         }
-        if (iid == __uuidof(IFileSourceFilter) && Script("noFileSource") == 0) {
-            return static_cast<IFileSourceFilter*>(this);
+        if (iid == __uuidof(IFileSourceFilter)) {
+            return Offer("noFileSource", static_cast<IFileSourceFilter*>(this));
         }
-        if (iid == IID_IAMStreamSelect && Script("noStreamSelect") == 0) {
-            return static_cast<IAMStreamSelect*>(this);
+        if (iid == IID_IAMStreamSelect) {
+            return Offer("noStreamSelect", static_cast<IAMStreamSelect*>(this));
         }
-        return iid == __uuidof(IMediaSeeking) ? static_cast<IMediaSeeking*>(this) : nullptr;
+        const bool seeks = iid == __uuidof(IMediaSeeking) && Script("noSeeking") == 0;
+        return seeks ? static_cast<IMediaSeeking*>(this) : nullptr;
     }
 
 private:

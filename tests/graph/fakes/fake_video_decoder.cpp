@@ -7,12 +7,16 @@
 
 #include <sstream>
 
-// A video decoder that takes H.264. Its script: "LAVVideo.supported" is a text of the hardware methods that
-// it says it can use
-// ("3,5"), "LAVVideo.devices" how many devices it has, "LAVVideo.device1" the failure of asking for device 1,
-// "LAVVideo.refuseUnderMethod" the method
-// under which it takes no connection, "LAVVideo.pauseExceptMethod5" the failure of Pause under all others but
-// D3D11, "LAVVideo.decoderName" and "LAVVideo.activeDevice" its status.
+// A video decoder. Its script besides that of every filter:
+//   LAVVideo.supported           text of the hardware methods that it says it can use, "3,5"
+//   LAVVideo.status              what it answers for those, 2 when absent
+//   LAVVideo.devices             how many devices it has; the third has no name
+//   LAVVideo.device1             the failure of asking for device 1
+//   LAVVideo.refuseUnderMethod   the method under which it takes no connection
+//   LAVVideo.pauseExceptMethod5  the failure of Pause under all others but D3D11
+//   LAVVideo.decoderName         text, null when absent
+//   LAVVideo.activeDevice        text; absent, it fails, or by LAVVideo.deviceIsNull hands nothing out
+//   LAVVideo.inputs              how many input pins it has, 1 when absent
 
 namespace brindlecast::testing {
 
@@ -21,12 +25,16 @@ const CLSID kFakeClass = kClsidLavVideo;
 
 namespace {
 
-constexpr GUID kH264Type = {0x34363248, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71}};
-
 class FakeVideoDecoder final : public FakeFilter, public ILAVVideoSettings, public ILAVVideoStatus {
 public:
     FakeVideoDecoder() : FakeFilter(L"LAVVideo", kFakeClass) {
-        AddPin(L"Input", PINDIR_INPUT, {{MEDIATYPE_Video, kH264Type, GUID_NULL, {}}});
+        std::vector<FakeType> types;
+        for (const wchar_t* code : {L"H264", L"HVC1", L"mp4v", L"XVID"}) {
+            types.push_back({MEDIATYPE_Video, FourCcSubtype(code), GUID_NULL, {}});
+        }
+        for (long i = 0; i < Script("inputs", 1); ++i) {
+            AddPin(L"Input", PINDIR_INPUT, types);
+        }
         AddPin(L"Output", PINDIR_OUTPUT, {PlainVideoType()});
     }
     FAKE_UNKNOWN
@@ -46,7 +54,7 @@ public:
         std::wistringstream stream(list != nullptr ? list : L"0,1,2,3,4,5");
         for (std::wstring supported; std::getline(stream, supported, L',');) {
             if (!supported.empty() && std::stoi(supported) == method) {
-                return 2;
+                return static_cast<DWORD>(Script("status", 2));
             }
         }
         return 0;
@@ -133,7 +141,7 @@ public:
         Record(kRecordQuery, L"GetHWAccelActiveDevice");
         const wchar_t* name = ScriptText("activeDevice");
         *device = name != nullptr ? SysAllocString(name) : nullptr;
-        return name != nullptr ? S_OK : E_FAIL;
+        return name != nullptr || Script("deviceIsNull") != 0 ? S_OK : E_FAIL;
     }
 
     long PauseFailure() const override {
@@ -146,11 +154,11 @@ public:
 
 protected:
     void* FindInterface(REFIID iid) override {
-        if (iid == __uuidof(ILAVVideoSettings) && Script("noSettings") == 0) {
-            return static_cast<ILAVVideoSettings*>(this);
+        if (iid == __uuidof(ILAVVideoSettings)) {
+            return Offer("noSettings", static_cast<ILAVVideoSettings*>(this));
         }
-        if (iid == __uuidof(ILAVVideoStatus) && Script("noStatus") == 0) {
-            return static_cast<ILAVVideoStatus*>(this);
+        if (iid == __uuidof(ILAVVideoStatus)) {
+            return Offer("noStatus", static_cast<ILAVVideoStatus*>(this));
         }
         return nullptr;
     }

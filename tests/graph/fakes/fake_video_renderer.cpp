@@ -1,15 +1,21 @@
+#include "base/win32/unique_handle.h"
 #include "filters/include/mpc_video_renderer.h"
 #include "tests/graph/fakes/fake_filter.h"
 
 #include <control.h>
 #include <uuids.h>
 
+#include <algorithm>
 #include <cstring>
 
-// A video renderer without a picture. Its script: "MpcVideoRenderer64.width" and ".height", the size of the
-// video (0 fails),
-// ".positionMilliseconds" (absent: it can't say), ".setInt", ".setBool", ".setCallback", ".windowPosition":
-// failures.
+// A video renderer without a picture. Its script besides that of every filter:
+//   MpcVideoRenderer64.width, .height        the size of the video; 0 fails
+//   MpcVideoRenderer64.positionMilliseconds  absent, it can't say
+//   MpcVideoRenderer64.setInt, .setBool, .setCallback, .windowPosition   failures
+//   MpcVideoRenderer64.makesWindow           1: it puts a window of its own into its owner
+// Both of its pictures are bottom-up ones of one column and 32 bits:
+//   MpcVideoRenderer64.displayedBytes, .currentBytes             sizes with the header; absent: none
+//   MpcVideoRenderer64.getBin, .currentSize, .currentImage       failures
 
 namespace brindlecast::testing {
 
@@ -44,7 +50,17 @@ public:
     FAKE_UNEXPECTED(HRESULT, Flt_GetInt64, LPCSTR, __int64*)
     FAKE_UNEXPECTED(HRESULT, Flt_GetDouble, LPCSTR, double*)
     FAKE_UNEXPECTED(HRESULT, Flt_GetString, LPCSTR, LPWSTR*, unsigned*)
-    FAKE_UNEXPECTED(HRESULT, Flt_GetBin, LPCSTR, LPVOID*, unsigned*)
+    STDMETHODIMP Flt_GetBin(LPCSTR field, LPVOID* value, unsigned* size) override {
+        Record(kRecordCall, FormatText(L"Flt_GetBin(%s)", Widen(field)));
+        if (const long failure = Script("getBin"); failure != 0) {
+            return failure;
+        }
+        const std::vector<BYTE> image = Image("displayedDib", "displayedBytes");
+        *size = static_cast<unsigned>(image.size());
+        *value = CoTaskMemAlloc(image.size());
+        std::ranges::copy(image, static_cast<BYTE*>(*value));
+        return S_OK;
+    }
     FAKE_UNEXPECTED(HRESULT, Flt_SetInt64, LPCSTR, __int64)
     FAKE_UNEXPECTED(HRESULT, Flt_SetDouble, LPCSTR, double)
     FAKE_UNEXPECTED(HRESULT, Flt_SetString, LPCSTR, LPWSTR, int)
@@ -63,6 +79,12 @@ public:
     // IVideoWindow
     STDMETHODIMP put_Owner(OAHWND owner) override {
         Record(kRecordCall, FormatText(L"put_Owner(%s)", owner != 0 ? L"window" : L"0"));
+        window.Reset();
+        if (owner != 0 && Script("makesWindow") != 0) {
+            // A button answers hit tests as a video window does.
+            window.Reset(CreateWindowExW(0, L"BUTTON", L"", WS_CHILD | WS_VISIBLE, 0, 0, 2000, 2000,
+                                         reinterpret_cast<HWND>(owner), nullptr, nullptr, nullptr));
+        }
         return S_OK;
     }
     STDMETHODIMP put_MessageDrain(OAHWND drain) override {
@@ -154,7 +176,22 @@ public:
     FAKE_UNEXPECTED(HRESULT, GetDestinationPosition, long*, long*, long*, long*)
     FAKE_UNEXPECTED(HRESULT, SetDefaultDestinationPosition)
     FAKE_UNEXPECTED(HRESULT, GetVideoPaletteEntries, long, long, long*, long*)
-    FAKE_UNEXPECTED(HRESULT, GetCurrentImage, long*, long*)
+    STDMETHODIMP GetCurrentImage(long* size, long* image) override {
+        Record(kRecordCall, image == nullptr ? L"GetCurrentImage(size)" : L"GetCurrentImage(image)");
+        if (const long failure = Script(image == nullptr ? "currentSize" : "currentImage"); failure != 0) {
+            return failure;
+        }
+        if (const long nonsense = Script("currentBytes"); nonsense < 0) {
+            *size = nonsense;
+            return S_OK;
+        }
+        const std::vector<BYTE> bytes = Image("currentDib", "currentBytes");
+        if (image != nullptr) {
+            std::memcpy(image, bytes.data(), std::min(static_cast<std::size_t>(*size), bytes.size()));
+        }
+        *size = static_cast<long>(bytes.size());
+        return S_OK;
+    }
     FAKE_UNEXPECTED(HRESULT, IsUsingDefaultSource)
     FAKE_UNEXPECTED(HRESULT, IsUsingDefaultDestination)
 
@@ -193,14 +230,14 @@ public:
 
 protected:
     void* FindInterface(REFIID iid) override {
-        if (iid == __uuidof(IExFilterConfig) && Script("noConfig") == 0) {
-            return static_cast<IExFilterConfig*>(this);
+        if (iid == __uuidof(IExFilterConfig)) {
+            return Offer("noConfig", static_cast<IExFilterConfig*>(this));
         }
-        if (iid == __uuidof(ISubRender11) && Script("noSubtitles") == 0) {
-            return static_cast<ISubRender11*>(this);
+        if (iid == __uuidof(ISubRender11)) {
+            return Offer("noSubtitles", static_cast<ISubRender11*>(this));
         }
-        if (iid == IID_IVideoWindow && Script("noVideoWindow") == 0) {
-            return static_cast<IVideoWindow*>(this);
+        if (iid == IID_IVideoWindow) {
+            return Offer("noVideoWindow", static_cast<IVideoWindow*>(this));
         }
         if (iid == IID_IBasicVideo) {
             return static_cast<IBasicVideo*>(this);
@@ -209,9 +246,38 @@ protected:
     }
 
 private:
+    // The scripted picture, or one column of the scripted size.
+    std::vector<BYTE> Image(const char* dibKey, const char* bytesKey) const {
+        if (const wchar_t* digits = ScriptText(dibKey); digits != nullptr) {
+            return FromHexadecimal(digits);
+        }
+        std::vector<BYTE> image(static_cast<std::size_t>(Script(bytesKey)));
+        FillImage(image.data(), image.size());
+        return image;
+    }
+    static std::vector<BYTE> FromHexadecimal(const std::wstring& digits) {
+        std::vector<BYTE> bytes;
+        for (std::size_t i = 0; i + 1 < digits.size(); i += 2) {
+            bytes.push_back(static_cast<BYTE>(std::stoul(digits.substr(i, 2), nullptr, 16)));
+        }
+        return bytes;
+    }
+    static void FillImage(BYTE* image, std::size_t size) {
+        BITMAPINFOHEADER header{};
+        header.biSize = sizeof(header);
+        header.biWidth = 1;
+        header.biHeight = static_cast<LONG>(size > sizeof(header) ? (size - sizeof(header)) / 4 : 0);
+        header.biPlanes = 1;
+        header.biBitCount = 32;
+        std::memcpy(image, &header, std::min(size, sizeof(header)));
+        for (std::size_t i = sizeof(header); i < size; ++i) {
+            image[i] = static_cast<BYTE>(i);
+        }
+    }
     static std::wstring Widen(LPCSTR text) { return std::wstring(text, text + std::strlen(text)); }
 
     ComPtr<ISubRender11Callback> callback;
+    UniqueHwnd window;
 };
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "base/win32/registry_settings_store.h"
 
+#include "app/settings.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -10,20 +12,31 @@ namespace {
 
 constexpr const wchar_t* kName = L"UnitTestValue";
 
+// The user's own settings stay out of it: the root of the current user is an empty key of the test's own.
 class RegistrySettingsStoreTest : public ::testing::Test {
 protected:
-    void SetUp() override { Remove(); }
-    void TearDown() override { Remove(); }
+    void SetUp() override {
+        RegDeleteTreeW(HKEY_CURRENT_USER, kScratch);
+        HKEY key = nullptr;
+        ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, kScratch, 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                  KEY_ALL_ACCESS, nullptr, &key, nullptr),
+                  ERROR_SUCCESS);
+        scratch.Reset(key);
+        ASSERT_EQ(RegOverridePredefKey(HKEY_CURRENT_USER, scratch.Get()), ERROR_SUCCESS);
+    }
+    void TearDown() override {
+        RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+        scratch.Reset();
+        RegDeleteTreeW(HKEY_CURRENT_USER, kScratch);
+    }
 
-    static void Remove() { RegDeleteKeyValueW(HKEY_CURRENT_USER, L"Software\\Brindlecast", kName); }
-    static void Put(DWORD type, const std::vector<BYTE>& bytes) {
+    static void Put(DWORD type, const std::vector<BYTE>& bytes, const wchar_t* name = kName) {
         const SettingsKey key(SettingsKey::Access::Write);
         // A text that ends without a zero is stored with one when memory happens to hold one right behind it.
         std::vector<BYTE> followed = bytes;
         followed.insert(followed.end(), {'x', 'x'});
-        ASSERT_EQ(
-            RegSetValueExW(key.Get(), kName, 0, type, followed.data(), static_cast<DWORD>(bytes.size())),
-            ERROR_SUCCESS);
+        ASSERT_EQ(RegSetValueExW(key.Get(), name, 0, type, followed.data(), static_cast<DWORD>(bytes.size())),
+                  ERROR_SUCCESS);
     }
     static std::vector<BYTE> TextBytes(std::size_t byteCount) {
         std::vector<BYTE> bytes(byteCount, 0);
@@ -34,10 +47,13 @@ protected:
     }
 
     RegistrySettingsStore store;
+
+private:
+    static constexpr const wchar_t* kScratch = L"Software\\Brindlecast unit tests";
+    UniqueKey scratch;
 };
 
 TEST_F(RegistrySettingsStoreTest, AWriterCreatesTheKeyAndAReaderGetsTheValue) {
-    RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Brindlecast");
     EXPECT_FALSE(SettingsKey(SettingsKey::Access::Read));
     EXPECT_EQ(store.ReadDword(kName, TypeCheck::Strict), std::nullopt);
     EXPECT_EQ(store.ReadString(kName), std::nullopt);
@@ -61,10 +77,30 @@ TEST_F(RegistrySettingsStoreTest, ALooseReaderTakesTheFirstFourBytes) {
     EXPECT_EQ(store.ReadDword(kName, TypeCheck::Loose), 0x04030201U);
     Put(REG_SZ, {'8', 0, 0, 0});
     EXPECT_EQ(store.ReadDword(kName, TypeCheck::Loose), 0x38U);
+    EXPECT_EQ(store.ReadDword(L"Absent", TypeCheck::Loose), std::nullopt);
+}
+
+TEST_F(RegistrySettingsStoreTest, ALooseReaderTakesAShortValueAsIfZerosFollowed) {
     Put(REG_BINARY, {9});
     EXPECT_EQ(store.ReadDword(kName, TypeCheck::Loose), 9U);
-    Remove();
+    Put(REG_BINARY, {0xFF, 0xFF, 0xFF});
+    EXPECT_EQ(store.ReadDword(kName, TypeCheck::Loose), 0x00FFFFFFU);
+    Put(REG_BINARY, {});
     EXPECT_EQ(store.ReadDword(kName, TypeCheck::Loose), std::nullopt);
+}
+
+TEST_F(RegistrySettingsStoreTest, AVolumeStoredAsTextIsIgnored) {
+    Put(REG_SZ, {'8', 0, '0', 0, 0, 0}, L"Volume");
+    EXPECT_EQ(ReadSetting(store, settings::kVolume), 50U);
+    EXPECT_EQ(ReadPresentSetting(store, settings::kVolume), std::nullopt);
+}
+
+TEST_F(RegistrySettingsStoreTest, AMagnetDistanceOfAnotherTypeIsTakenByItsFirstFourBytes) {
+    EXPECT_EQ(ReadSetting(store, settings::kMagnetDistance), 10U);
+    Put(REG_BINARY, {7, 1, 0, 0, 9, 9}, L"MagnetDistance");
+    EXPECT_EQ(ReadSetting(store, settings::kMagnetDistance), 0x107U);
+    Put(REG_SZ, {'1', 0, '2', 0, 0, 0}, L"MagnetDistance");
+    EXPECT_EQ(ReadSetting(store, settings::kMagnetDistance), 0x00320031U);
 }
 
 TEST_F(RegistrySettingsStoreTest, TextsGoThereAndBack) {
