@@ -10,7 +10,7 @@ option(BRINDLECAST_FUZZ "Build the fuzz targets (clang only)" OFF)
 # Every target of ours links this one: warnings, include roots, platform definitions.
 add_library(brindlecast_settings INTERFACE)
 target_include_directories(brindlecast_settings INTERFACE "${CMAKE_SOURCE_DIR}" "${CMAKE_SOURCE_DIR}/src")
-target_compile_options(brindlecast_settings INTERFACE -Wall -Wextra -Wpedantic -Werror -fno-strict-aliasing)
+target_compile_options(brindlecast_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Werror -fno-strict-aliasing)
 
 if(WIN32)
   target_compile_definitions(brindlecast_settings INTERFACE

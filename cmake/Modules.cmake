@@ -17,3 +17,21 @@ if(WIN32)
     set_property(TARGET third_party_binaries PROPERTY EXCLUDE_FROM_ALL ON)
   endif()
 endif()
+
+# brindlecast_link_modules(target folder): links to the modules and to what they need, for an executable that looks for them
+# beside itself in a folder of its own under the build folder.
+function(brindlecast_link_modules target folder)
+  add_dependencies(${target} third_party_binaries)
+  foreach(module LAVSplitter LAVVideo LAVAudio AudioSwitcher MpcVideoRenderer64)
+    add_dependencies(${target} ${module})
+    list(APPEND names "${module}.ax")
+  endforeach()
+  foreach(binary IN LISTS third_party_binaries)
+    get_filename_component(name "${binary}" NAME)
+    list(APPEND names "${name}")
+  endforeach()
+  foreach(name IN LISTS names)
+    add_custom_command(TARGET ${target} POST_BUILD VERBATIM
+      COMMAND ${CMAKE_COMMAND} -E create_symlink "../bin/${name}" "${folder}/${name}")
+  endforeach()
+endfunction()

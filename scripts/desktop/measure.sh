@@ -5,8 +5,8 @@
 #
 # runs HAND_OVER FILE, which must make the player play FILE from its beginning in a window titled TITLE, and judges
 # what the screen then shows and the sound sink receives against what ffmpeg decodes. Leaves STEM.png and STEM.wav,
-# prints what was measured, and succeeds only if every kind of stream that ffprobe finds (pictures that are not covers,
-# sound) was seen or heard.
+# prints what was measured, and succeeds only if picture and sound, whichever of the two ffprobe finds, were seen and
+# heard: of pictures the first that is no cover, of several sound tracks any one. It prints what it did not judge.
 
 # How long to play at least, and how long a black or silent beginning may be, in seconds.
 measure_seconds=${BRINDLECAST_MEASURE_SECONDS:-8}
@@ -90,6 +90,17 @@ decode_reference() { # FILE PICTURE_STREAM FOLDER SECONDS SOUND_STREAM…: what 
     done
 }
 
+# Says which streams the verdict is silent about: all but the picture and one track of sound.
+name_unjudged() { # FILE PICTURE_STREAM SOUND_TRACKS
+    local index kind unjudged=()
+    while IFS=, read -r index kind; do
+        [ "$kind" = audio ] || [ "$index" = "$2" ] || unjudged+=("stream $index ($kind)")
+    done < <(ffprobe -v error -show_entries stream=index,codec_type -of csv=p=0 "$1")
+    [ "$3" -le 1 ] || unjudged+=("all but one of $3 sound tracks")
+    local IFS=,
+    [ ${#unjudged[@]} -eq 0 ] || echo "measure: not judged: ${unjudged[*]}"
+}
+
 measure_file() (
     file=$1 stem=$2 title=$3
     shift 3
@@ -109,6 +120,7 @@ measure_file() (
     mkdir "$folder/grabs"
     seconds=$(seconds_to_watch "$file" "$picture" "${sounds[0]:-}") || exit
     echo "measure: playing ${file##*/} for $seconds s"
+    name_unjudged "$file" "$picture" ${#sounds[@]}
 
     desktop_record_start "$folder/recording.raw" || exit
     handed_over=$(date +%s.%N)

@@ -1,46 +1,20 @@
 """The test layers. Each takes whether the long form is asked for, and answers its counts or raises LayerFailed."""
+import functools
 import os
 import pathlib
 import subprocess
 
+import static_checks
 from results import Counts, LayerFailed, command, run_program
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 BUILD = ROOT / "build"
 REPORTS = BUILD / "reports"
 JOBS = str(os.cpu_count() or 2)
-SOURCE_FOLDERS = ["src", "filters", "tests", "bench"]
-
-
-def sources(*suffixes: str) -> list[pathlib.Path]:
-    return sorted(path for folder in SOURCE_FOLDERS for path in (ROOT / folder).rglob("*") if path.suffix in suffixes)
 
 
 def lint(is_long: bool) -> Counts:
-    counts = Counts()
-
-    def check(name: str, arguments: list) -> None:
-        outcome = subprocess.run([str(argument) for argument in arguments], cwd=ROOT)
-        if outcome.returncode == 0:
-            counts.passed += 1
-        else:
-            counts.failed += 1
-            print(f"   failed: {name}")
-
-    check("format", ["clang-format", "--dry-run", "--Werror", *sources(".h", ".cpp")])
-    check("include order", ["python3", ROOT / "scripts/testing/lint_includes.py"])
-    scripts = [path for path in tracked_scripts() if b"bash" in path.read_bytes().split(b"\n", 1)[0]]
-    check("shell syntax", ["bash", "-c", 'for script in "$@"; do bash -n "$script" || exit 1; done', "syntax", *scripts])
-    check("shell checks", ["shellcheck", "--external-sources", "--severity=warning", *scripts])
-    if counts.failed:
-        raise LayerFailed("the tree breaks its rules", counts)
-    return counts
-
-
-def tracked_scripts() -> list[pathlib.Path]:
-    listed = subprocess.run(["git", "ls-files", "-z"], cwd=ROOT, stdout=subprocess.PIPE, check=True).stdout
-    paths = [ROOT / name.decode() for name in listed.split(b"\0") if name]
-    return [path for path in paths if path.is_file() and path.read_bytes()[:2] == b"#!"]
+    return static_checks.lint()
 
 
 def configure_and_build(preset: str, *targets: str) -> None:
@@ -55,14 +29,30 @@ def configure_and_build(preset: str, *targets: str) -> None:
         raise LayerFailed(f"building '{preset}'")
 
 
+@functools.cache
+def build_windows() -> None:
+    """Once a run; costs a moment when everything is up to date."""
+    command([ROOT / "third_party/build"], "building the third-party libraries")
+    configure_and_build("windows")
+
+
+def some(programs, what: str) -> list[pathlib.Path]:
+    """The programs in order; a layer that finds none of what it is there to run has failed."""
+    found = sorted(programs)
+    if not found:
+        raise LayerFailed(f"there are no {what}")
+    return found
+
+
 def make_media() -> None:
     command([ROOT / "tests/media/generate"], "making the test media")
 
 
-def run_native(program: pathlib.Path, seconds: int) -> Counts:
-    report = REPORTS / f"{program.name}_native.xml"
-    environment = dict(os.environ, BRINDLECAST_MEDIA=str(BUILD / "media"),
-                       UBSAN_OPTIONS="print_stacktrace=1", ASAN_OPTIONS="detect_leaks=1")
+def run_native(program: pathlib.Path, seconds: int, build: str = "native") -> Counts:
+    report = REPORTS / f"{program.name}_{build}.xml"
+    suppressions = ROOT / "scripts/testing/tsan_suppressions.txt"
+    environment = dict(os.environ, BRINDLECAST_MEDIA=str(BUILD / "media"), UBSAN_OPTIONS="print_stacktrace=1",
+                       ASAN_OPTIONS="detect_leaks=1", TSAN_OPTIONS=f"suppressions={suppressions}")
     return run_program([program, f"--gtest_output=xml:{report}"], report, report.with_suffix(".log"), seconds,
                        env=environment, cwd=BUILD)
 
@@ -71,16 +61,23 @@ def native(is_long: bool) -> Counts:
     make_media()
     configure_and_build("native")
     counts = Counts()
-    for program in sorted((BUILD / "native").rglob("*_tests")):
+    for program in some((BUILD / "native").rglob("*_tests"), "native test programs"):
         counts += run_native(program, 600)
     return counts
+
+
+def tsan(is_long: bool) -> Counts:
+    """The unit tests once more under ThreadSanitizer: those that start threads are among them."""
+    make_media()
+    configure_and_build("native-tsan", "unit_tests")
+    return run_native(BUILD / "native-tsan/tests/unit/unit_tests", 1200, "native-tsan")
 
 
 def fuzz(is_long: bool) -> Counts:
     make_media()
     configure_and_build("native-fuzz")
     counts = Counts()
-    for program in sorted((BUILD / "native-fuzz").rglob("*_fuzz")):
+    for program in some((BUILD / "native-fuzz").rglob("*_fuzz"), "fuzz targets"):
         corpus = make_corpus(program.name)
         seconds = 600 if is_long else 10
         log = REPORTS / f"{program.name}.log"
@@ -127,24 +124,23 @@ def windows_path(path: pathlib.Path) -> str:
 
 
 def windows(is_long: bool) -> Counts:
-    command([ROOT / "third_party/build"], "building the third-party libraries")
-    configure_and_build("windows")
+    build_windows()
     return run_windows(BUILD / "windows/test_bin/unit_tests.exe", 300)
 
 
 def graph(is_long: bool) -> Counts:
+    build_windows()
     return run_windows(BUILD / "windows/graph_test_bin/graph_tests.exe", 600)
 
 
 def filters(is_long: bool) -> Counts:
+    build_windows()
     make_media()
     counts = Counts()
     others = {"unit_tests", "e2e_tests"}
     failures = []
-    programs = sorted((BUILD / "windows/test_bin").glob("*_tests.exe")) + [BUILD / "windows/road_bin/road_tests.exe"]
-    for program in programs:
-        if program.stem in others:
-            continue
+    programs = [path for path in (BUILD / "windows/test_bin").glob("*_tests.exe") if path.stem not in others]
+    for program in [*some(programs, "tests of the modules"), BUILD / "windows/road_bin/road_tests.exe"]:
         try:
             counts += run_windows(program, 600)
         except LayerFailed as failure:
@@ -156,6 +152,7 @@ def filters(is_long: bool) -> Counts:
 
 
 def e2e(is_long: bool) -> Counts:
+    build_windows()
     make_media()
     command(["bash", "-c", "brindlecast_root=$PWD; . scripts/desktop/tools.sh; native_tool xdnd_source"],
             "compiling the source of drops", cwd=ROOT, stdout=subprocess.DEVNULL)
@@ -196,20 +193,20 @@ def run_command() -> Counts:
     return Counts(passed=1)
 
 
+def package(is_long: bool) -> Counts:
+    """The archive is made and started from where it was unpacked."""
+    build_windows()
+    code, lines = logged("package", [ROOT / "scripts/package", "--output", BUILD / "dist"])
+    if code != 0:
+        print("\n".join(f"   | {line}" for line in lines[-40:]))
+        raise LayerFailed("the package could not be made or does not start")
+    return Counts(passed=1)
+
+
 def tidy(is_long: bool) -> Counts:
     configure_and_build("native")
-    files = [path for path in sources(".cpp") if path.relative_to(ROOT).parts[0] != "tests"]
-    database = BUILD / "native"
-    known = (database / "compile_commands.json").read_text()
-    counts = Counts()
-    for path in files:
-        if str(path) not in known:
-            continue
-        outcome = subprocess.run(["clang-tidy", "--quiet", "-p", database, path], cwd=ROOT, stderr=subprocess.DEVNULL)
-        counts += Counts(passed=1) if outcome.returncode == 0 else Counts(failed=1)
-    if counts.failed:
-        raise LayerFailed("clang-tidy has found something", counts)
-    return counts
+    build_windows()
+    return static_checks.tidy(BUILD / "native", BUILD / "windows", REPORTS / "tidy.log")
 
 
 def mutations(is_long: bool) -> Counts:

@@ -7,7 +7,7 @@ import layers
 from results import Counts, LayerFailed
 
 ORDER = ["lint", "native", "fuzz", "windows", "graph", "filters", "e2e"]
-LONG_ORDER = ORDER + ["tidy", "mutations"]
+LONG_ORDER = ORDER + ["package", "tsan", "tidy", "mutations"]
 
 
 def choose(arguments: list[str]) -> tuple[list[str], bool]:

@@ -7,6 +7,14 @@
 
 namespace brindlecast {
 
+// Whether a message of that number may be a key of the map: WM_KEYDOWN and WM_SYSKEYDOWN, nothing else. What
+// is let go or has become a character acts no more.
+[[nodiscard]] constexpr bool MayBeAccelerator(std::uint32_t message) {
+    constexpr std::uint32_t kKeyDown = 0x0100;
+    constexpr std::uint32_t kSystemKeyDown = 0x0104;
+    return message == kKeyDown || message == kSystemKeyDown;
+}
+
 // One row of the keyboard map: a virtual key that gives a command.
 struct KeyBinding {
     std::uint16_t virtualKey;

@@ -10,8 +10,8 @@
 #include <algorithm>
 #include <objidl.h>
 namespace Gdiplus {
-using std::max;
-using std::min;
+using std::max; // NOLINT(misc-unused-using-decls): used by the header
+using std::min; // NOLINT(misc-unused-using-decls)
 } // namespace Gdiplus
 #include <gdiplus.h>
 
@@ -86,6 +86,7 @@ bool Application::Initialize(HINSTANCE moduleInstance, int showCommand) {
 
 void Application::CreateAccelerators() {
     std::vector<ACCEL> rows;
+    rows.reserve(kKeyboardMap.size());
     for (const KeyBinding& binding : kKeyboardMap) {
         rows.push_back({FVIRTKEY, binding.virtualKey, static_cast<WORD>(binding.command)});
     }
@@ -103,8 +104,8 @@ int Application::PumpMessages() {
     MSG message{};
     while (GetMessageW(&message, nullptr, 0, 0) != 0) {
         // Keys act only while the main window itself is in the foreground.
-        const bool isKey = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
-        if (accelerators && window != nullptr && isKey && GetForegroundWindow() == window &&
+        if (accelerators && window != nullptr && MayBeAccelerator(message.message) &&
+            GetForegroundWindow() == window &&
             TranslateAcceleratorW(window, accelerators.Get(), &message) != 0) {
             continue;
         }

@@ -6,8 +6,17 @@ namespace {
 
 AppSettings currentSettings;
 
-std::int32_t ReadSigned(SettingsStore& store, const SettingInfo& info) {
-    return static_cast<std::int32_t>(ReadSetting(store, info));
+// What can't be read leaves the field as it was.
+void ReadInto(std::int32_t& field, SettingsStore& store, const SettingInfo& info) {
+    if (const auto value = ReadPresentSetting(store, info)) {
+        field = static_cast<std::int32_t>(*value);
+    }
+}
+
+void ReadInto(bool& field, SettingsStore& store, const SettingInfo& info) {
+    if (const auto value = ReadPresentSetting(store, info)) {
+        field = *value != 0;
+    }
 }
 
 void WriteSigned(SettingsStore& store, const SettingInfo& info, std::int32_t value) {
@@ -25,16 +34,16 @@ AppSettings& CurrentSettings() {
 }
 
 void LoadSettings(AppSettings& settings, SettingsStore& store) {
-    settings.rememberWindowPos = ReadSetting(store, settings::kRememberWindowPos) != 0;
+    ReadInto(settings.rememberWindowPos, store, settings::kRememberWindowPos);
     if (settings.rememberWindowPos) {
-        settings.windowX = ReadSigned(store, settings::kWindowX);
-        settings.windowY = ReadSigned(store, settings::kWindowY);
-        settings.windowW = ReadSigned(store, settings::kWindowW);
-        settings.windowH = ReadSigned(store, settings::kWindowH);
-        settings.windowMaximized = ReadSetting(store, settings::kWindowMaximized) != 0;
+        ReadInto(settings.windowX, store, settings::kWindowX);
+        ReadInto(settings.windowY, store, settings::kWindowY);
+        ReadInto(settings.windowW, store, settings::kWindowW);
+        ReadInto(settings.windowH, store, settings::kWindowH);
+        ReadInto(settings.windowMaximized, store, settings::kWindowMaximized);
     }
-    settings.seekbarThumbnailPreview = ReadSetting(store, settings::kSeekbarThumbnailPreview) != 0;
-    settings.welcomeMsg = ReadTextSetting(store, settings::kWelcomeMsg);
+    ReadInto(settings.seekbarThumbnailPreview, store, settings::kSeekbarThumbnailPreview);
+    static_cast<void>(ReadStringSetting(store, settings::kWelcomeMsg.name, settings.welcomeMsg));
 }
 
 void SaveSettings(const AppSettings& settings, SettingsStore& store) {

@@ -10,7 +10,9 @@ namespace brindlecast {
 // How a number that lies in the store under another type or size is read.
 enum class TypeCheck {
     Strict, // it counts as absent
-    Loose,  // its first four bytes are taken as they stand
+    // Its first four bytes are taken as they stand, lowest first. A shorter value is taken as if zeros
+    // followed it; one without any byte counts as absent.
+    Loose,
 };
 
 // The named values of the program. Each call is complete in itself: nothing stays open between calls. Main

@@ -23,7 +23,7 @@ struct Conversion {
 };
 
 std::wstring Widen(const char* first, const char* last) {
-    return std::wstring(first, last);
+    return {first, last};
 }
 
 int ReadNumber(std::wstring_view format, std::size_t& at) {
@@ -65,7 +65,8 @@ std::optional<Conversion> ReadConversion(std::wstring_view format, std::size_t& 
     return conversion;
 }
 
-std::wstring Pad(const Conversion& conversion, std::wstring sign, std::wstring body, bool mayZeroFill) {
+std::wstring Pad(const Conversion& conversion, const std::wstring& sign, const std::wstring& body,
+                 bool mayZeroFill) {
     const auto length = static_cast<int>(sign.size() + body.size());
     if (length >= conversion.width) {
         return sign + body;

@@ -7,7 +7,7 @@
 
 namespace brindlecast {
 
-// Receives one finished diagnostic line, which ends in a newline. Called on whichever thread traces.
+// Receives one diagnostic line, which ends in a newline unless it was cut. Called on whichever thread traces.
 using TraceSink = std::function<void(std::wstring_view line)>;
 
 // Replaces the sink; an empty one drops every line, as at start. Main thread, while no other thread traces.

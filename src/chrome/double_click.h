@@ -18,8 +18,8 @@ struct DoubleClickLimits {
     int height = 0;
 };
 
-// True when the press follows the former one soon and near enough. A former tick of 0 means that there was
-// none.
+// True when the press follows the former one sooner and nearer than the limits. A former press that is not to
+// count is given the tick 0, which lies long back but for the first moments of the system.
 [[nodiscard]] bool IsDoubleClick(const Press& former, const Press& press, const DoubleClickLimits& limits);
 
 } // namespace brindlecast

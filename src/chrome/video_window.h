@@ -14,7 +14,7 @@ public:
     ~VideoWindow() override = default;
 
     // Creates the window at 0, 0 with 100 by 100 pixels, to be laid out by the owner. False on failure.
-    [[nodiscard]] bool Create(HINSTANCE instance, HWND owner);
+    [[nodiscard]] bool Create(HINSTANCE instance, HWND ownerWindow);
 
     // Keeps the frame's resize band and its cursors alive over the renderer's own window. Takes the first
     // child; without one nothing is attached.
@@ -33,7 +33,7 @@ private:
 
     void Paint();
     void OnLeftButtonDown();
-    LRESULT ForwardMouse(UINT message, WPARAM wParam, LPARAM lParam) const;
+    [[nodiscard]] LRESULT ForwardMouse(UINT message, WPARAM wParam, LPARAM lParam) const;
     [[nodiscard]] bool IsOnFrame(LPARAM screenPoint) const;
 
     HWND owner = nullptr;

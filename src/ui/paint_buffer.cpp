@@ -4,7 +4,7 @@
 
 namespace brindlecast {
 
-PaintBuffer::PaintBuffer(HWND window) : window(window) {
+PaintBuffer::PaintBuffer(HWND painted) : window(painted) {
     const HDC screen = BeginPaint(window, &paint);
     GetClientRect(window, &client);
     memory.Reset(CreateCompatibleDC(screen));

@@ -10,7 +10,7 @@ namespace brindlecast {
 // starts out black, and copies it to the window and ends the painting when it goes. Use it once per WM_PAINT.
 class PaintBuffer {
 public:
-    explicit PaintBuffer(HWND window);
+    explicit PaintBuffer(HWND painted);
     PaintBuffer(const PaintBuffer&) = delete;
     PaintBuffer& operator=(const PaintBuffer&) = delete;
     ~PaintBuffer();

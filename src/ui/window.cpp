@@ -2,6 +2,9 @@
 
 #include "base/trace.h"
 
+#include <set>
+#include <string>
+
 namespace brindlecast {
 
 Window::~Window() {
@@ -13,6 +16,10 @@ Window::~Window() {
 }
 
 bool Window::Register(HINSTANCE instance, const Class& windowClass) {
+    static std::set<std::wstring> registered;
+    if (registered.contains(windowClass.name)) {
+        return true;
+    }
     WNDCLASSEXW description{};
     description.cbSize = sizeof(description);
     description.style = windowClass.style;
@@ -22,7 +29,11 @@ bool Window::Register(HINSTANCE instance, const Class& windowClass) {
     description.hIconSm = windowClass.smallIcon;
     description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     description.lpszClassName = windowClass.name;
-    return RegisterClassExW(&description) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
+    if (RegisterClassExW(&description) == 0) {
+        return false;
+    }
+    registered.emplace(windowClass.name);
+    return true;
 }
 
 bool Window::CreateHandle(HINSTANCE instance, const Class& windowClass, const Placement& placement) {

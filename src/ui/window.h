@@ -37,15 +37,16 @@ protected:
         HWND parent;
     };
 
-    // Registers the class with the arrow cursor and no background, once per process. False when the system
-    // refuses.
+    // Registers the class with the arrow cursor and no background, once per process: true at once for a name
+    // that was registered here before. False when the system refuses, as it does a name that somebody else
+    // took.
     [[nodiscard]] static bool Register(HINSTANCE instance, const Class& windowClass);
     // False when the window could not be created.
     [[nodiscard]] bool CreateHandle(HINSTANCE instance, const Class& windowClass, const Placement& placement);
 
     // What the object does not handle it passes to Default.
     virtual LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) = 0;
-    LRESULT Default(UINT message, WPARAM wParam, LPARAM lParam) const;
+    [[nodiscard]] LRESULT Default(UINT message, WPARAM wParam, LPARAM lParam) const;
 
 private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

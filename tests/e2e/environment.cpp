@@ -4,6 +4,7 @@
 
 #include <array>
 #include <stdexcept>
+#include <utility>
 
 namespace brindlecast::testing {
 
@@ -20,8 +21,12 @@ std::wstring Variable(const wchar_t* name) {
 
 } // namespace
 
+std::wstring BuildFolder() {
+    return Variable(L"BRINDLECAST_BUILD");
+}
+
 std::wstring ProgramFolder() {
-    return Variable(L"BRINDLECAST_BUILD") + L"\\bin";
+    return BuildFolder() + L"\\bin";
 }
 
 std::wstring ReportFolder() {
@@ -42,6 +47,51 @@ std::wstring NativePath(const std::wstring& windowsPath) {
         unit = unit == L'\\' ? L'/' : unit;
     }
     return path;
+}
+
+TemporaryVariable::TemporaryVariable(const wchar_t* variableName, const std::wstring& value)
+    : name(variableName) {
+    SetEnvironmentVariableW(name, value.c_str());
+}
+
+TemporaryVariable::~TemporaryVariable() {
+    SetEnvironmentVariableW(name, nullptr);
+}
+
+TemporaryRegistryValue::TemporaryRegistryValue(const wchar_t* userKey, const wchar_t* valueName,
+                                               std::uint32_t number)
+    : key(userKey), name(valueName) {
+    KeepOld();
+    RegSetKeyValueW(HKEY_CURRENT_USER, key, name, REG_DWORD, &number, sizeof(number));
+}
+
+TemporaryRegistryValue::TemporaryRegistryValue(const wchar_t* userKey, const wchar_t* valueName,
+                                               const std::wstring& text)
+    : key(userKey), name(valueName) {
+    KeepOld();
+    RegSetKeyValueW(HKEY_CURRENT_USER, key, name, REG_SZ, text.c_str(),
+                    static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+}
+
+TemporaryRegistryValue::~TemporaryRegistryValue() {
+    if (oldBytes) {
+        RegSetKeyValueW(HKEY_CURRENT_USER, key, name, oldType, oldBytes->data(),
+                        static_cast<DWORD>(oldBytes->size()));
+    } else {
+        RegDeleteKeyValueW(HKEY_CURRENT_USER, key, name);
+    }
+}
+
+void TemporaryRegistryValue::KeepOld() {
+    std::vector<std::uint8_t> bytes(1024);
+    DWORD type = REG_NONE;
+    auto size = static_cast<DWORD>(bytes.size());
+    if (RegGetValueW(HKEY_CURRENT_USER, key, name, RRF_RT_ANY | RRF_NOEXPAND, &type, bytes.data(), &size) ==
+        ERROR_SUCCESS) {
+        bytes.resize(size);
+        oldType = type;
+        oldBytes = std::move(bytes);
+    }
 }
 
 bool StartNative(const std::wstring& windowsPath, const std::wstring& arguments) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/win32/registry_settings_store.h"
+#include "base/win32/wine.h"
 #include "tests/e2e/environment.h"
 #include "tests/e2e/player.h"
 
@@ -24,10 +25,12 @@ inline constexpr Film kRotatedFilm{L"rotated.mp4", 180, 320, 25.0};
 inline constexpr double kScreenTolerance = 0.12;
 
 // Every test begins with an empty registry key, but for the sound's settings: full volume and no
-// normalisation, so that levels are those of the files.
+// normalisation, so that levels are those of the files. Since that wipes the settings of whoever is logged
+// in, nothing runs outside of Wine, where the prefix belongs to the tests.
 class ProgramTest : public ::testing::Test {
 protected:
     void SetUp() override {
+        ASSERT_TRUE(IsRunningUnderWine()) << "these tests would wipe the settings of the user";
         RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Brindlecast");
         store.WriteDword(L"Volume", 100);
         store.WriteDword(L"AudioNormalize", 0);

@@ -33,13 +33,7 @@ protected:
     static std::optional<int> Pause(Player& player, const Film& film) {
         player.Activate();
         PressKey(VK_SPACE);
-        std::optional<int> last;
-        WaitUntil(limits::kReaction, "standstill", [&] {
-            last = player.FrameOnScreen(film);
-            LetPlay(milliseconds(150));
-            return last && player.FrameOnScreen(film) == last;
-        });
-        return last;
+        return player.WaitForStandstill(film);
     }
 };
 
@@ -150,12 +144,7 @@ TEST_F(PlaybackTest, ADoubleClickOnThePicturePauses) {
     ASSERT_TRUE(player.Play(kFilm));
     const Rect picture = player.PictureOnScreen(kFilm);
     DoubleClick({(picture.left + picture.right) / 2, picture.top + 20});
-    std::optional<int> last;
-    EXPECT_TRUE(WaitUntil(limits::kReaction, "standstill", [&] {
-        last = player.FrameOnScreen(kFilm);
-        LetPlay(milliseconds(150));
-        return last && player.FrameOnScreen(kFilm) == last;
-    }));
+    EXPECT_TRUE(player.WaitForStandstill(kFilm).has_value());
     EXPECT_TRUE(player.IsOpen());
     EXPECT_EQ(player.Close(), 0U);
 }
@@ -169,8 +158,8 @@ TEST_F(PlaybackTest, TheWheelChangesTheVolumeAndIsRemembered) {
         TurnWheel(middle, -1);
     }
     EXPECT_TRUE(WaitUntil(limits::kReaction, "stored volume", [&] {
-        const auto volume = store.ReadDword(L"Volume", TypeCheck::Strict).value_or(0);
-        return volume == 50 || volume == 49;
+        // Ten steps in single precision leave a little less than a half, which is cut.
+        return store.ReadDword(L"Volume", TypeCheck::Strict) == 49;
     }));
     // Half the volume is 6 dB less.
     double level = kNoLevel;

@@ -7,8 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <tlhelp32.h>
-
 #include <array>
 #include <chrono>
 #include <stdexcept>
@@ -17,52 +15,17 @@ namespace brindlecast::testing {
 
 namespace {
 
-constexpr const wchar_t* kProgram = L"Brindlecast.exe";
 constexpr UINT kMessageIsPlaying = WM_USER + 205;
-
-struct WindowSearch {
-    DWORD processId;
-    const wchar_t* className;
-    HWND found;
-};
-
-BOOL CALLBACK CheckWindow(HWND window, LPARAM parameter) {
-    auto* search = reinterpret_cast<WindowSearch*>(parameter);
-    DWORD owner = 0;
-    GetWindowThreadProcessId(window, &owner);
-    std::array<wchar_t, 64> name{};
-    GetClassNameW(window, name.data(), static_cast<int>(name.size()));
-    if (owner == search->processId && IsWindowVisible(window) != FALSE &&
-        std::wstring(search->className) == name.data()) {
-        search->found = window;
-        return FALSE;
-    }
-    return TRUE;
-}
-
-HWND FindVisibleWindow(DWORD processId, const wchar_t* className) {
-    WindowSearch search{processId, className, nullptr};
-    EnumWindows(CheckWindow, reinterpret_cast<LPARAM>(&search));
-    return search.found;
-}
 
 } // namespace
 
-Player::Player(const std::wstring& arguments) {
-    const std::wstring program = ProgramFolder() + L"\\" + kProgram;
-    std::wstring command = L"\"" + program + L"\" " + arguments;
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION information{};
-    if (CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                       &startup, &information) == FALSE) {
-        throw std::runtime_error("the program can't be started");
-    }
-    process.Reset(information.hProcess);
-    const UniqueHandle thread(information.hThread);
-    processId = information.dwProcessId;
+ProcessStart PlayerStart() {
+    return {ProgramFolder() + L"\\Brindlecast.exe", L"", std::nullopt};
+}
+
+Player::Player(const ProcessStart& start) : process(start) {
     const bool came = WaitUntil(limits::kStart, "start", [this] {
-        mainWindow = FindVisibleWindow(processId, L"BrindlecastMainWindow");
+        mainWindow = process.FindVisibleWindow(L"BrindlecastMainWindow");
         return mainWindow != nullptr;
     });
     if (!came) {
@@ -70,29 +33,21 @@ Player::Player(const std::wstring& arguments) {
     }
 }
 
-Player::~Player() {
-    if (::testing::Test::HasFailure()) {
-        const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-        Keep(test != nullptr ? std::string(test->test_suite_name()) + "." + test->name() : "failure");
-    }
-    if (IsRunning()) {
-        TerminateProcess(process.Get(), 1);
-        WaitForSingleObject(process.Get(), static_cast<DWORD>(limits::kReaction.count()));
-    }
-}
-
 HWND Player::VideoWindow() const {
     return FindWindowExW(mainWindow, nullptr, L"BrindlecastVideoWindow", nullptr);
 }
 
-bool Player::IsRunning() const {
-    return WaitForSingleObject(process.Get(), 0) == WAIT_TIMEOUT;
+bool Player::Answers() const {
+    return Send(WM_NULL).has_value();
 }
 
-bool Player::Answers() const {
+std::optional<LRESULT> Player::Send(UINT message, WPARAM wParam, LPARAM lParam) const {
     DWORD_PTR answer = 0;
-    return SendMessageTimeoutW(mainWindow, WM_NULL, 0, 0, SMTO_NORMAL,
-                               static_cast<UINT>(limits::kReaction.count()), &answer) != 0;
+    if (SendMessageTimeoutW(mainWindow, message, wParam, lParam, SMTO_NORMAL,
+                            static_cast<UINT>(limits::kReaction.count()), &answer) == 0) {
+        return std::nullopt;
+    }
+    return static_cast<LRESULT>(answer);
 }
 
 std::wstring Player::Title() const {
@@ -112,13 +67,13 @@ void Player::OpenByDialog(const std::wstring& path) {
     PressKey('O');
     HWND dialog = nullptr;
     ASSERT_TRUE(WaitUntil(limits::kDialog, "open dialog", [&] {
-        dialog = FindVisibleWindow(processId, L"#32770");
+        dialog = process.FindVisibleWindow(L"#32770");
         return dialog != nullptr && GetForegroundWindow() == dialog;
     }));
     TypeText(path);
     PressKey(VK_RETURN);
     EXPECT_TRUE(WaitUntil(limits::kDialog, "closing of the open dialog",
-                          [&] { return FindVisibleWindow(processId, L"#32770") == nullptr; }));
+                          [&] { return process.FindVisibleWindow(L"#32770") == nullptr; }));
 }
 
 void Player::Drop(const std::vector<std::wstring>& paths) {
@@ -155,12 +110,7 @@ bool Player::Play(const Film& film) {
 
 std::optional<DWORD> Player::Close() {
     PostMessageW(mainWindow, WM_CLOSE, 0, 0);
-    if (WaitForSingleObject(process.Get(), static_cast<DWORD>(limits::kExit.count())) != WAIT_OBJECT_0) {
-        return std::nullopt;
-    }
-    DWORD code = 0;
-    GetExitCodeProcess(process.Get(), &code);
-    return code;
+    return process.WaitForEnd(limits::kExit);
 }
 
 std::optional<int> Player::FrameOnScreen(const Film& film) const {
@@ -174,6 +124,16 @@ std::optional<int> Player::WaitForFrame(const Film& film) const {
     std::optional<int> number;
     WaitUntil(limits::kPicture, "first frame", [&] { return (number = FrameOnScreen(film)).has_value(); });
     return number;
+}
+
+std::optional<int> Player::WaitForStandstill(const Film& film) const {
+    std::optional<int> last;
+    const bool stands = WaitUntil(limits::kReaction, "standstill", [&] {
+        last = FrameOnScreen(film);
+        LetPlay(std::chrono::milliseconds(150));
+        return last && FrameOnScreen(film) == last;
+    });
+    return stands ? last : std::nullopt;
 }
 
 bool Player::WaitForFrameNumber(const Film& film, int number) const {
@@ -198,10 +158,7 @@ std::vector<TimedMark> Player::Watch(const Film& film, std::chrono::milliseconds
 }
 
 bool Player::IsOpen() const {
-    DWORD_PTR answer = 0;
-    return SendMessageTimeoutW(mainWindow, kMessageIsPlaying, 0, 0, SMTO_NORMAL,
-                               static_cast<UINT>(limits::kReaction.count()), &answer) != 0 &&
-           answer == 1;
+    return Send(kMessageIsPlaying) == 1;
 }
 
 Rect Player::PictureOnScreen(const Film& film) const {
@@ -209,23 +166,6 @@ Rect Player::PictureOnScreen(const Film& film) const {
     const PixelRect picture =
         FitPicture({video.left, video.top, video.Width(), video.Height()}, film.width, film.height);
     return {picture.left, picture.top, picture.left + picture.width, picture.top + picture.height};
-}
-
-void Player::Keep(const std::string& name) const {
-    const Rect screen{0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
-    PhotographScreen(screen).Save(ReportFolder() + L"\\" + std::wstring(name.begin(), name.end()) + L".bmp");
-}
-
-int CountPlayers() {
-    const UniqueHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-    PROCESSENTRY32W entry{};
-    entry.dwSize = sizeof(entry);
-    int count = 0;
-    for (BOOL more = Process32FirstW(snapshot.Get(), &entry); more != FALSE;
-         more = Process32NextW(snapshot.Get(), &entry)) {
-        count += std::wstring(entry.szExeFile) == kProgram ? 1 : 0;
-    }
-    return count;
 }
 
 } // namespace brindlecast::testing

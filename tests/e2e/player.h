@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/win32/unique_handle.h"
+#include "tests/e2e/process.h"
 #include "tests/e2e/screen.h"
 
 #include <windows.h>
@@ -20,18 +20,19 @@ struct Film {
     double framesPerSecond;
 };
 
+// The program as it ships, without arguments.
+[[nodiscard]] ProcessStart PlayerStart();
+
 // A running player. Starting waits for its window; going ends the process if a test left it running.
 class Player {
 public:
-    explicit Player(const std::wstring& arguments = L"");
-    Player(const Player&) = delete;
-    Player& operator=(const Player&) = delete;
-    ~Player();
+    explicit Player(const ProcessStart& start = PlayerStart());
 
     [[nodiscard]] HWND MainWindow() const { return mainWindow; }
     [[nodiscard]] HWND VideoWindow() const;
-    [[nodiscard]] DWORD ProcessId() const { return processId; }
-    [[nodiscard]] bool IsRunning() const;
+    [[nodiscard]] const Process& OwnProcess() const { return process; }
+    // Ends it as the task manager does.
+    void Kill() { process.Kill(); }
     // True when the window answers a message within the reaction limit.
     [[nodiscard]] bool Answers() const;
     [[nodiscard]] std::wstring Title() const;
@@ -44,6 +45,9 @@ public:
     void Drop(const std::vector<std::wstring>& paths);
     // Drops a film and waits until its picture moves.
     [[nodiscard]] bool Play(const Film& film);
+    // Sends the main window a message; what it answers, or nothing when it does not within the reaction
+    // limit.
+    std::optional<LRESULT> Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
     // Asks the window to close and waits for the process; its exit code, or nothing when it did not end in
     // time.
     [[nodiscard]] std::optional<DWORD> Close();
@@ -52,6 +56,8 @@ public:
     [[nodiscard]] std::optional<int> FrameOnScreen(const Film& film) const;
     // Waits until a frame with a readable mark stands on the screen.
     [[nodiscard]] std::optional<int> WaitForFrame(const Film& film) const;
+    // Waits until the picture stands; the number of the frame that stays.
+    [[nodiscard]] std::optional<int> WaitForStandstill(const Film& film) const;
     // Waits until the number on the screen is that one.
     [[nodiscard]] bool WaitForFrameNumber(const Film& film, int number) const;
     // Readings of the screen for a while, each with the position that the clock asks for.
@@ -60,16 +66,10 @@ public:
     [[nodiscard]] bool IsOpen() const;
     // The picture's place on the screen, whole pixels.
     [[nodiscard]] Rect PictureOnScreen(const Film& film) const;
-    // Saves what the screen shows; for failures.
-    void Keep(const std::string& name) const;
 
 private:
-    UniqueHandle process;
-    DWORD processId = 0;
+    Process process;
     HWND mainWindow = nullptr;
 };
-
-// How many processes run the player.
-[[nodiscard]] int CountPlayers();
 
 } // namespace brindlecast::testing

@@ -1,9 +1,8 @@
 #include "tests/e2e/sound_recorder.h"
 
 #include "tests/e2e/environment.h"
-#include "tests/e2e/waits.h"
-
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -50,6 +49,14 @@ Recording SoundRecorder::Last(double seconds) const {
     file.read(reinterpret_cast<char*>(samples.data()),
               static_cast<std::streamsize>(samples.size() * sizeof(std::int16_t)));
     return SplitStereo(samples, kRate);
+}
+
+bool SoundRecorder::Hears(double frequency, std::chrono::milliseconds limit) const {
+    return WaitUntil(limit, "sound", [&] {
+        const Recording sound = Last(0.4);
+        const auto heard = DominantFrequency(sound.left, sound.rate);
+        return heard && std::abs(*heard - frequency) < 1.0;
+    });
 }
 
 } // namespace brindlecast::testing

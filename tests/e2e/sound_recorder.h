@@ -1,7 +1,9 @@
 #pragma once
 
+#include "tests/e2e/waits.h"
 #include "tests/support/tone_analysis.h"
 
+#include <chrono>
 #include <string>
 
 namespace brindlecast::testing {
@@ -14,6 +16,8 @@ public:
 
     // The sound of the last seconds.
     [[nodiscard]] Recording Last(double seconds) const;
+    // Waits until this tone, to within 1 Hz, is what was heard last; false when it did not come in time.
+    [[nodiscard]] bool Hears(double frequency, std::chrono::milliseconds limit = limits::kReaction) const;
 
 private:
     SoundRecorder();

@@ -1,6 +1,8 @@
+#include "base/win32/unique_handle.h"
 #include "tests/e2e/fixture.h"
 #include "tests/e2e/input.h"
 #include "tests/e2e/waits.h"
+#include "ui/messages.h"
 
 namespace brindlecast::testing {
 namespace {
@@ -108,19 +110,27 @@ TEST_F(WindowTest, EscapeMinimises) {
 
 TEST_F(WindowTest, KeysActOnlyWhileTheMainWindowIsInFront) {
     Player player;
-    player.Drop({Media(kFilm.name)});
-    ASSERT_TRUE(player.WaitForFrame(kFilm).has_value());
-    const HWND other = CreateWindowExW(0, L"STATIC", L"other", WS_POPUP | WS_VISIBLE, 0, 0, 100, 100, nullptr,
-                                       nullptr, nullptr, nullptr);
-    SetForegroundWindow(other);
-    ASSERT_TRUE(WaitUntil(limits::kReaction, "other window", [&] { return GetForegroundWindow() == other; }));
-    PressKey(VK_SPACE);
+    ASSERT_TRUE(player.Play(kFilm));
+    const UniqueHwnd other(CreateWindowExW(0, L"STATIC", L"other", WS_POPUP | WS_VISIBLE, 0, 0, 100, 100,
+                                           nullptr, nullptr, nullptr, nullptr));
+    SetForegroundWindow(other.Get());
+    ASSERT_TRUE(
+        WaitUntil(limits::kReaction, "other window", [&] { return GetForegroundWindow() == other.Get(); }));
+    // Posted, so that the key reaches the main window although it is not in front.
+    PostMessageW(player.MainWindow(), WM_KEYDOWN, VK_SPACE, 0x00390001);
+    // What was posted after the key has acted, so the key had its chance.
+    PostMessageW(player.MainWindow(), kMessageSetVolume, 37, 0);
+    ASSERT_TRUE(WaitUntil(limits::kReaction, "volume",
+                          [&] { return store.ReadDword(L"Volume", TypeCheck::Strict) == 37U; }));
     const std::optional<int> before = player.FrameOnScreen(kFilm);
-    LetPlay(std::chrono::milliseconds(600));
-    const std::optional<int> after = player.FrameOnScreen(kFilm);
-    DestroyWindow(other);
-    ASSERT_TRUE(before && after);
-    EXPECT_GT(*after, *before) << "the film must have gone on";
+    ASSERT_TRUE(before.has_value());
+    EXPECT_TRUE(WaitUntil(limits::kReaction, "the film going on", [&] {
+        return player.FrameOnScreen(kFilm).value_or(0) > *before + 12;
+    })) << "a key that came while another window was in front paused the film";
+    player.Activate();
+    PostMessageW(player.MainWindow(), WM_KEYDOWN, VK_SPACE, 0x00390001);
+    EXPECT_TRUE(player.WaitForStandstill(kFilm).has_value()) << "the same key in front must pause";
+    EXPECT_TRUE(player.IsOpen());
     EXPECT_EQ(player.Close(), 0U);
 }
 

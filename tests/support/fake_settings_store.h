@@ -25,10 +25,11 @@ public:
         if (const auto* number = std::get_if<std::uint32_t>(&found->second)) {
             return *number;
         }
-        if (check == TypeCheck::Strict) {
+        const Bytes bytes = BytesOf(found->second);
+        if (check == TypeCheck::Strict || bytes.empty()) {
             return std::nullopt;
         }
-        return FirstBytes(found->second);
+        return FirstBytes(bytes);
     }
 
     [[nodiscard]] std::optional<std::wstring> ReadString(const wchar_t* name) override {
@@ -62,17 +63,21 @@ public:
     bool refusesWrites = false;
 
 private:
-    [[nodiscard]] static std::uint32_t
-    FirstBytes(const std::variant<std::uint32_t, std::wstring, Bytes>& value) {
+    // A text lies there in units of two bytes, with its terminator.
+    [[nodiscard]] static Bytes BytesOf(const std::variant<std::uint32_t, std::wstring, Bytes>& value) {
         Bytes bytes;
         if (const auto* text = std::get_if<std::wstring>(&value)) {
-            for (const wchar_t unit : *text) {
+            for (const wchar_t unit : *text + L'\0') {
                 bytes.push_back(static_cast<std::uint8_t>(unit & 0xFF));
                 bytes.push_back(static_cast<std::uint8_t>((unit >> 8) & 0xFF));
             }
         } else if (const auto* raw = std::get_if<Bytes>(&value)) {
             bytes = *raw;
         }
+        return bytes;
+    }
+
+    [[nodiscard]] static std::uint32_t FirstBytes(Bytes bytes) {
         bytes.resize(4);
         return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
     }

@@ -99,6 +99,7 @@ TEST(NormalizeBitmap, KeepsThePaletteOfEightBits) {
 }
 
 TEST(NormalizeBitmap, PaletteGrowsWithTheDepthUpToEightBits) {
+    EXPECT_EQ(4U, PaletteBytes(0));
     EXPECT_EQ(8U, PaletteBytes(1));
     EXPECT_EQ(64U, PaletteBytes(4));
     EXPECT_EQ(1024U, PaletteBytes(8));

@@ -22,7 +22,7 @@ HKEY OpenRootKey(SettingsKey::Access access) {
     return status == ERROR_SUCCESS ? key : nullptr;
 }
 
-// The first four bytes of a value of any type; what a shorter value lacks is zero.
+// The first four bytes of a value of any type; see TypeCheck::Loose.
 std::optional<std::uint32_t> ReadFirstBytes(HKEY key, const wchar_t* name) {
     DWORD size = 0;
     if (RegQueryValueExW(key, name, nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS || size == 0) {
