@@ -28,18 +28,24 @@ def run(arguments: list, **options) -> int:
 
 
 def copy_tree() -> None:
-    """A copy of what git knows or would add; only changed files are written, so that little is compiled again."""
-    shutil.rmtree(TREE, ignore_errors=True)
-    names = subprocess.run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"], cwd=ROOT,
-                           stdout=subprocess.PIPE, check=True).stdout.split(b"\0")
-    for name in filter(None, names):
-        source, target = ROOT / name.decode(), TREE / name.decode()
-        if source.is_file():
+    """A copy of what git knows or would add. Only files that differ are written, with the time of now: little is compiled
+    again, and what an earlier run left broken is."""
+    listed = subprocess.run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"], cwd=ROOT,
+                            stdout=subprocess.PIPE, check=True).stdout.split(b"\0")
+    names = {name.decode() for name in listed if name and (ROOT / name.decode()).is_file()}
+    for path in list(TREE.rglob("*")):
+        if path.is_file() and not path.is_symlink() and str(path.relative_to(TREE)) not in names:
+            path.unlink()
+    for name in names:
+        source, target = ROOT / name, TREE / name
+        if not target.is_file() or target.read_bytes() != source.read_bytes():
             target.parent.mkdir(parents=True, exist_ok=True)
-            shutil.copy2(source, target)
+            shutil.copy(source, target)
     # The third-party libraries are not broken and not built again.
-    (TREE / "build").mkdir(exist_ok=True)
-    (TREE / "build" / "sysroot").symlink_to(ROOT / "build" / "sysroot")
+    libraries = TREE / "build" / "sysroot"
+    libraries.parent.mkdir(parents=True, exist_ok=True)
+    if not libraries.is_symlink():
+        libraries.symlink_to(ROOT / "build" / "sysroot")
 
 
 def header(patch: pathlib.Path, key: str) -> str:

@@ -7,6 +7,7 @@
 #include "base/win32/geometry.h"
 #include "chrome/video_window.h"
 #include "engine/player_engine.h"
+#include "library/playlist_database.h"
 #include "ui/messages.h"
 
 #include <shellapi.h>
@@ -108,8 +109,16 @@ void MainWindow::OnCreate() {
     if (!videoWindow->Create(instance, Handle())) {
         videoWindow.reset();
     }
+    OpenLibrary();
     CreateEngine();
     StartTimers();
+}
+
+// Without a library the list holds what this run opens.
+void MainWindow::OpenLibrary() {
+    PlaylistDatabase& library = PlaylistDatabase::Instance();
+    library.Open();
+    recentFiles = library.LoadRecent();
 }
 
 void MainWindow::CreateEngine() {

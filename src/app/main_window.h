@@ -40,6 +40,7 @@ private:
     // Creation and destruction; main_window.cpp.
     void OnCreate();
     void OnDestroy();
+    void OpenLibrary();
     void CreateEngine();
     void RestorePlacement();
     void RememberPlacement();
@@ -66,6 +67,8 @@ private:
     void StopPlayback();
     void OnGraphEvent();
     void OnDropFiles(HDROP drop);
+    // In the library and in the list.
+    void AddRecentFile(const std::wstring& path);
     void NotifyOfGraphEvents();
     [[nodiscard]] bool DrainGraphEvents();
 

@@ -1,9 +1,11 @@
 #include "app/main_window.h"
 #include "app/open_dialog_texts.h"
 #include "app/recent_list.h"
+#include "base/paths.h"
 #include "base/text.h"
 #include "chrome/video_window.h"
 #include "engine/player_engine.h"
+#include "library/playlist_database.h"
 #include "ui/command_ids.h"
 #include "ui/messages.h"
 
@@ -18,11 +20,6 @@ namespace brindlecast {
 namespace {
 
 constexpr std::size_t kPathCapacity = 260;
-
-std::wstring FileNameOf(const std::wstring& path) {
-    const std::size_t separator = path.find_last_of(L"\\/");
-    return separator == std::wstring::npos ? path : path.substr(separator + 1);
-}
 
 bool Exists(const std::wstring& path) {
     return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
@@ -48,7 +45,7 @@ bool MainWindow::OpenFile(std::wstring path) {
     }
     Play();
     SetWindowTextW(Handle(), FormatText(L"Brindlecast - %s", FileNameOf(path)).c_str());
-    PutInFront(recentFiles, path);
+    AddRecentFile(path);
     return true;
 }
 
@@ -63,6 +60,11 @@ void MainWindow::Play() {
     if (videoWindow != nullptr) {
         videoWindow->AttachRenderer();
     }
+}
+
+void MainWindow::AddRecentFile(const std::wstring& path) {
+    PlaylistDatabase::Instance().AddRecent(path);
+    PutInFront(recentFiles, path);
 }
 
 void MainWindow::ShowOpenDialog() {

@@ -24,7 +24,7 @@ inline constexpr Film kRotatedFilm{L"rotated.mp4", 180, 320, 25.0};
 // reading, and the time that a photograph takes.
 inline constexpr double kScreenTolerance = 0.12;
 
-// Every test begins with an empty registry key, but for the sound's settings: full volume and no
+// Every test begins without a library and with an empty registry key, but for the sound's settings: full volume and no
 // normalisation, so that levels are those of the files. Since that wipes the settings of whoever is logged
 // in, nothing runs outside of Wine, where the prefix belongs to the tests.
 class ProgramTest : public ::testing::Test {
@@ -32,10 +32,17 @@ protected:
     void SetUp() override {
         ASSERT_TRUE(IsRunningUnderWine()) << "these tests would wipe the settings of the user";
         RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Brindlecast");
+        DeleteFileW(LibraryFile().c_str());
         store.WriteDword(L"Volume", 100);
         store.WriteDword(L"AudioNormalize", 0);
     }
     void TearDown() override { EXPECT_EQ(CountPlayers(), 0) << "a process of the player was left behind"; }
+
+    [[nodiscard]] static std::wstring LibraryFile() {
+        wchar_t folder[MAX_PATH] = {};
+        GetEnvironmentVariableW(L"APPDATA", folder, MAX_PATH);
+        return std::wstring(folder) + L"\\Brindlecast\\playlist.db";
+    }
 
     RegistrySettingsStore store;
 };

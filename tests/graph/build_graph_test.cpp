@@ -129,6 +129,14 @@ TEST_F(BuildGraph, WithoutHostTheWindowIsLeftAlone) {
     ExpectOpensWith(Join({ToPriming(), expected::AudioChain(), expected::VideoPin(), Connected(), end}));
 }
 
+TEST_F(BuildGraph, ARendererWithoutWindowIsUsed) {
+    SetNumber("MpcVideoRenderer64.noVideoWindow", 1);
+    EXPECT_TRUE(engine->OpenFile(kFilm));
+    EXPECT_TRUE(engine->hasVideo);
+    EXPECT_EQ(Lines{}, CallsOf(L"MpcVideoRenderer64.put_"));
+    EXPECT_FALSE(engine->SetRenderRect(0, 0, 640, 480));
+}
+
 TEST_F(BuildGraph, AHostThatIsGoneIsLeftAlone) {
     const HWND gone =
         CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);

@@ -29,6 +29,27 @@ std::wstring GraphTestModulePath(const std::wstring& fileName) {
     return Directory() + L"\\" + fileName;
 }
 
+// Puts back the modules that a run which crashed has left hidden; once a process.
+void RestoreHiddenModules() {
+    static bool restored = false;
+    if (restored) {
+        return;
+    }
+    restored = true;
+    constexpr std::wstring_view kSuffix = L".hidden";
+    WIN32_FIND_DATAW found{};
+    const HANDLE search = FindFirstFileW(GraphTestModulePath(L"*.hidden").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) {
+        return;
+    }
+    do {
+        const std::wstring path = GraphTestModulePath(found.cFileName);
+        EXPECT_TRUE(MoveFileExW(path.c_str(), path.substr(0, path.size() - kSuffix.size()).c_str(),
+                                MOVEFILE_REPLACE_EXISTING));
+    } while (FindNextFileW(search, &found) != FALSE);
+    FindClose(search);
+}
+
 std::wstring WithoutDirectory(std::wstring line) {
     const std::wstring directory = Directory();
     const auto at = line.find(directory);
@@ -114,6 +135,7 @@ void ExpectLines(const Lines& expected, const Lines& actual) {
 
 GraphTest::GraphTest() {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    RestoreHiddenModules();
     RecorderReset();
     SetTraceSink([](std::wstring_view line) {
         // A line without prefix or newline shows as it is, and fails the comparison.
