@@ -24,9 +24,9 @@ inline constexpr Film kRotatedFilm{L"rotated.mp4", 180, 320, 25.0};
 // reading, and the time that a photograph takes.
 inline constexpr double kScreenTolerance = 0.12;
 
-// Every test begins without a library and with an empty registry key, but for the sound's settings: full volume and no
-// normalisation, so that levels are those of the files. Since that wipes the settings of whoever is logged
-// in, nothing runs outside of Wine, where the prefix belongs to the tests.
+// Every test begins without a library and with an empty registry key, but for the sound's settings: full
+// volume and no normalisation, so that levels are those of the files. Since that wipes the settings of
+// whoever is logged in, nothing runs outside of Wine, where the prefix belongs to the tests.
 class ProgramTest : public ::testing::Test {
 protected:
     void SetUp() override {
