@@ -135,8 +135,7 @@ std::vector<std::int32_t> PlaylistModel::IndicesOf(const std::vector<int>& rows)
         }
     }
     std::ranges::sort(indices);
-    const auto repeated = std::ranges::unique(indices);
-    indices.erase(repeated.begin(), repeated.end());
+    indices.erase(std::unique(indices.begin(), indices.end()), indices.end());
     return indices;
 }
 

@@ -166,6 +166,59 @@ TEST_F(PlaylistModelTest, TheTableIsRewrittenWithTheOrderOfTheList) {
     EXPECT_EQ((std::vector<std::string>{"4|0", "5|1", "6|2"}), Query("SELECT id, sort_order FROM playlist"));
 }
 
+// Which change reaches the table by itself; where none does, the next rewrite takes it along.
+TEST_F(PlaylistModelTest, TheTableIsRewrittenAtTheseChangesAndNoOthers) {
+    const auto expect = [&](const wchar_t* change, bool rewritten, const std::function<void()>& make) {
+        model.searchText.clear();
+        model.items.clear();
+        model.currentIndex = 0;
+        Fill(L"cabb");
+        make();
+        model.items.front().codec_info = L"changed in memory";
+        EXPECT_EQ(rewritten ? Letters() : L"cab", StoredLetters().substr(0, rewritten ? Letters().size() : 3))
+            << WideToUtf8(change);
+    };
+    series = {L"C:\\s\\z.mkv"};
+    expect(L"adding", false, [&] { model.AddFile(L"C:\\d"); });
+    expect(L"adding and rewriting", true, [&] {
+        model.RemoveRows({3});
+        model.AddFile(L"C:\\d");
+        model.RebuildView();
+        model.SyncToDatabase();
+    });
+    expect(L"series", true, [&] { model.ReplaceWithSeries(L"C:\\s\\z.mkv"); });
+    expect(L"removing", true, [&] { model.RemoveRows({0, 3}); });
+    expect(L"duplicates", true, [&] { model.RemoveDuplicates(); });
+    expect(L"to top", false, [&] { model.MoveRowToTop(2); });
+    expect(L"up", false, [&] { model.MoveRowUp(2); });
+    expect(L"down", false, [&] { model.MoveRowDown(0); });
+    expect(L"to bottom", false, [&] { model.MoveRowToBottom(0); });
+    expect(L"sorting", true, [&] {
+        model.RemoveRows({3});
+        model.ChooseColumn(PlaylistColumn::Name);
+    });
+    expect(L"dragging", true, [&] {
+        model.RemoveRows({3});
+        model.ReorderRows({0}, 3);
+    });
+    expect(L"what playing reveals", false, [&] { model.UpdateMediaInfo(L"C:\\films\\c.mkv", 1.0, L"x"); });
+    expect(L"advancing", false, [&] { static_cast<void>(model.AdvanceCurrent()); });
+}
+
+TEST_F(PlaylistModelTest, AListThatIsClearedAndStoredStaysEmptyInTheTableUntilTheNextRewrite) {
+    Fill(L"ab");
+    model.currentIndex = 1;
+    model.Clear();
+    model.RebuildView();
+    model.SyncToDatabase();
+    EXPECT_EQ(-1, model.currentIndex);
+    model.AddFile(L"C:\\films\\c.mkv");
+    model.RebuildView();
+    EXPECT_EQ(L"", StoredLetters());
+    model.SyncToDatabase();
+    EXPECT_EQ(L"c", StoredLetters());
+}
+
 TEST_F(PlaylistModelTest, AnOpenedFileBringsItsSeries) {
     Fill(L"xy");
     model.currentIndex = 1;
