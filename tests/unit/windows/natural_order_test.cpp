@@ -5,6 +5,8 @@
 #include "tests/support/fake_settings_store.h"
 #include "tests/support/library_fixture.h"
 
+#include <windows.h>
+
 namespace brindlecast::testing {
 namespace {
 

@@ -80,7 +80,7 @@ TEST_F(ShellLinks, AShortcutGivesItsTarget) {
 
 TEST_F(ShellLinks, OnWindowsTheLinksOwnPathIsTaken) {
     SetWineAnswerForTest(WineAnswer::Denied);
-    const std::wstring plain = L"C:\\films\\film.mkv";
+    const std::wstring plain = L"C:\\windows\\system32\\kernel32.dll"; // any file that is there
     EXPECT_EQ(plain, ResolveShortcut(MakeShortcut(L"plain.lnk", plain)));
     SetWineAnswerForTest(WineAnswer::Real);
 }
