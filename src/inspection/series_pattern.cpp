@@ -1,7 +1,6 @@
 #include "inspection/series_pattern.h"
 
 #include "base/case_fold.h"
-#include "base/text.h"
 
 #include <algorithm>
 #include <array>
@@ -91,12 +90,8 @@ bool HasPartLetter(std::wstring_view text) {
 // With a part letter behind the number the number is fixed and the letter varies.
 SeriesPattern PartLetterPattern(std::wstring_view prefix, std::wstring_view digits,
                                 std::wstring_view behind) {
-    std::wstring number = FormatText(L"%d", ValueOf(digits));
-    if (number.size() < digits.size()) {
-        number.insert(0, digits.size() - number.size(), L'0');
-    }
     std::wstring fixed(prefix);
-    fixed += number;
+    fixed += digits;
     fixed += behind.substr(0, behind.size() - 1);
     return {SeriesMode::Letter, fixed, {}};
 }
