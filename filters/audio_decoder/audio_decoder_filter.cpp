@@ -309,8 +309,9 @@ HRESULT AudioDecoderFilter::DeliverBytes(Time100ns start) {
     const auto frameBytes = static_cast<std::size_t>(format.BytesPerFrame());
     const auto largest = static_cast<std::size_t>(BufferBytes(format));
     auto timeAt = [&](std::size_t offset) {
-        const double frames = static_cast<double>(offset / frameBytes);
-        return start + std::llround(frames * kTime100nsPerSecond / format.sampleRate / rate);
+        const std::size_t frames = offset / frameBytes;
+        return start +
+               std::llround(static_cast<double>(frames) * kTime100nsPerSecond / format.sampleRate / rate);
     };
     for (std::size_t offset = 0; offset < bytes.size();) {
         const std::size_t length = std::min(largest, bytes.size() - offset);

@@ -261,7 +261,8 @@ HRESULT AudioSwitcherFilter::DeliverStretched(std::optional<Time100ns> start) {
     }
     const auto frames = static_cast<int>(bytes.size()) / format.BytesPerFrame();
     const Time100ns begin = start.value_or(expectedStart.value_or(nextStart));
-    expectedStart = begin + std::llround(frames * kTime100nsPerSecond / (format.sampleRate * rate));
+    expectedStart =
+        begin + std::llround(static_cast<double>(frames) * kTime100nsPerSecond / (format.sampleRate * rate));
     stretched.clear();
     if (!stretch->Push(bytes.data(), frames, stretched)) {
         return VFW_E_TYPE_NOT_ACCEPTED;
@@ -287,8 +288,9 @@ HRESULT AudioSwitcherFilter::DeliverBytes(std::optional<Time100ns> start) {
     // Stretched sound has the length that its time has.
     const double speed = Stretches() ? 1.0 : rate;
     auto timeAt = [&](std::size_t offset) {
-        const double frames = static_cast<double>(offset / frameBytes);
-        return start.value_or(0) + std::llround(frames * kTime100nsPerSecond / format.sampleRate / speed);
+        const std::size_t frames = offset / frameBytes;
+        return start.value_or(0) +
+               std::llround(static_cast<double>(frames) * kTime100nsPerSecond / format.sampleRate / speed);
     };
     for (std::size_t offset = 0; offset < bytes.size();) {
         const std::size_t length = std::min(largest, bytes.size() - offset);

@@ -54,7 +54,7 @@ STDMETHODIMP MediaTypeEnumerator::Clone(IEnumMediaTypes** copy) {
 }
 
 PinEnumerator::PinEnumerator(BaseFilter& theFilter, ULONG startPosition)
-    : filter(theFilter), version(0), position(startPosition) {
+    : filter(theFilter), position(startPosition) {
     pins = filter.PinSnapshot(version);
     filter.AddRef();
 }

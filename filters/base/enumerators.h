@@ -50,7 +50,7 @@ private:
 
     BaseFilter& filter; // referenced
     std::vector<BasePin*> pins;
-    int version;
+    int version = 0;
     ULONG position;
 };
 

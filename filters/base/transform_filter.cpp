@@ -86,7 +86,9 @@ protected:
         OutputPin::OnDisconnected();
     }
     ALLOCATOR_PROPERTIES BufferNeeds() override { return filter.OutputBuffers(); }
-    bool PrefersReceiversAllocator() const override { return filter.PrefersReceiversAllocator(); }
+    [[nodiscard]] bool PrefersReceiversAllocator() const override {
+        return filter.PrefersReceiversAllocator();
+    }
 
 private:
     TransformFilter& filter;

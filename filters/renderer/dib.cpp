@@ -30,7 +30,7 @@ void WriteDib(const CapturedImage& image, void* out) {
     std::memcpy(out, &header, sizeof(header));
     auto* target = static_cast<std::uint8_t*>(out) + sizeof(header);
     const auto rowBytes = static_cast<std::size_t>(image.size.width) * 4;
-    for (std::size_t row = static_cast<std::size_t>(image.size.height); row-- > 0; target += rowBytes) {
+    for (auto row = static_cast<std::size_t>(image.size.height); row-- > 0; target += rowBytes) {
         std::memcpy(target, image.pixels.data() + row * rowBytes, rowBytes);
     }
 }

@@ -88,7 +88,7 @@ HRESULT PictureTextures::Upload(const D3dDevice& device, const Picture& picture)
             return result;
         }
     }
-    for (std::size_t i = static_cast<std::size_t>(layout.planeCount); i < planes.size(); ++i) {
+    for (auto i = static_cast<std::size_t>(layout.planeCount); i < planes.size(); ++i) {
         planes[i] = {};
     }
     return S_OK;

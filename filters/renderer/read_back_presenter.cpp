@@ -53,8 +53,8 @@ HRESULT MakeTargetTexture(ID3D11Device* device, PictureSize size, ID3D11Texture2
     return SUCCEEDED(result) ? device->CreateRenderTargetView(*texture, nullptr, view) : result;
 }
 
-ReadBackPresenter::ReadBackPresenter(const D3dDevice& theDevice, std::shared_ptr<WindowSlot> window)
-    : device(theDevice), windowSlot(std::move(window)) {}
+ReadBackPresenter::ReadBackPresenter(D3dDevice theDevice, std::shared_ptr<WindowSlot> window)
+    : device(std::move(theDevice)), windowSlot(std::move(window)) {}
 
 HRESULT ReadBackPresenter::MakeTextures(PictureSize size) {
     textureSize = {};

@@ -10,7 +10,7 @@ namespace brindlecast {
 // wait for one picture overlaps with the drawing of the next.
 class ReadBackPresenter final : public Presenter {
 public:
-    ReadBackPresenter(const D3dDevice& theDevice, std::shared_ptr<WindowSlot> window);
+    ReadBackPresenter(D3dDevice theDevice, std::shared_ptr<WindowSlot> window);
 
     HRESULT Begin(PictureSize size, ID3D11RenderTargetView** target) override;
     HRESULT Finish() override;

@@ -4,11 +4,12 @@
 
 namespace brindlecast {
 
-SwapChainPresenter::SwapChainPresenter(const D3dDevice& theDevice, std::shared_ptr<WindowSlot> window)
-    : device(theDevice), windowSlot(std::move(window)) {}
+SwapChainPresenter::SwapChainPresenter(D3dDevice theDevice, std::shared_ptr<WindowSlot> window)
+    : device(std::move(theDevice)), windowSlot(std::move(window)) {}
 
-std::unique_ptr<SwapChainPresenter>
-SwapChainPresenter::Create(const D3dDevice& theDevice, std::shared_ptr<WindowSlot> window, HRESULT* failure) {
+std::unique_ptr<SwapChainPresenter> SwapChainPresenter::Create(const D3dDevice& theDevice,
+                                                               const std::shared_ptr<WindowSlot>& window,
+                                                               HRESULT* failure) {
     std::unique_ptr<SwapChainPresenter> presenter(new SwapChainPresenter(theDevice, window));
     *failure = E_HANDLE;
     window->Use([&](HWND handle) { *failure = presenter->CreateChain(handle); });

@@ -11,7 +11,7 @@ class SwapChainPresenter final : public Presenter {
 public:
     // Null with the reason in `*failure` when the window can't have a swap chain.
     [[nodiscard]] static std::unique_ptr<SwapChainPresenter>
-    Create(const D3dDevice& theDevice, std::shared_ptr<WindowSlot> window, HRESULT* failure);
+    Create(const D3dDevice& theDevice, const std::shared_ptr<WindowSlot>& window, HRESULT* failure);
 
     HRESULT Begin(PictureSize size, ID3D11RenderTargetView** target) override;
     HRESULT Finish() override;
@@ -21,7 +21,7 @@ public:
     [[nodiscard]] ID3D11Texture2D* BackBuffer() const noexcept { return buffer.Get(); }
 
 private:
-    SwapChainPresenter(const D3dDevice& theDevice, std::shared_ptr<WindowSlot> window);
+    SwapChainPresenter(D3dDevice theDevice, std::shared_ptr<WindowSlot> window);
     [[nodiscard]] HRESULT CreateChain(HWND window);
     [[nodiscard]] HRESULT Resize(PictureSize size);
 

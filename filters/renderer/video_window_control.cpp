@@ -7,7 +7,7 @@ namespace brindlecast {
 namespace {
 
 // Styles that IVideoWindow does not let an application set.
-constexpr LONG kRefusedStyles = WS_DISABLED | WS_HSCROLL | WS_ICONIC | WS_MAXIMIZE | WS_MINIMIZE | WS_VSCROLL;
+constexpr LONG kRefusedStyles = WS_DISABLED | WS_HSCROLL | WS_MAXIMIZE | WS_MINIMIZE | WS_VSCROLL;
 // The window stays a visible or hidden child without a frame, whatever is asked.
 constexpr LONG kKeptStyles = WS_VISIBLE;
 constexpr LONG kForcedStyles = WS_CHILD | WS_CLIPSIBLINGS | WS_CLIPCHILDREN;

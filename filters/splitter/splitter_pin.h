@@ -42,7 +42,7 @@ protected:
     std::vector<MediaType> PreferredTypes() override;
     HRESULT CheckType(const MediaType& type) override;
     ALLOCATOR_PROPERTIES BufferNeeds() override;
-    bool ConnectsWhileActive() const override { return kind == StreamKind::Subtitle; }
+    [[nodiscard]] bool ConnectsWhileActive() const override { return kind == StreamKind::Subtitle; }
     HRESULT OnConnected(IPin& receiver) override;
     void OnDisconnected() override;
 

@@ -42,7 +42,7 @@ std::wstring FromSystemCodePage(const std::string& text) {
     std::array<wchar_t, 8> buffer{};
     const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()),
                                            buffer.data(), static_cast<int>(buffer.size()));
-    return std::wstring(buffer.data(), static_cast<std::size_t>(length));
+    return {buffer.data(), static_cast<std::size_t>(length)};
 }
 
 std::wstring VideoCodecName(const AM_MEDIA_TYPE& type) {

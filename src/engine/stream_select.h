@@ -29,7 +29,9 @@ public:
 
     [[nodiscard]] DWORD Count() const { return count; }
     [[nodiscard]] StreamInfo Info(DWORD index) const;
-    HRESULT Enable(DWORD index, DWORD flags) const { return select->Enable(static_cast<long>(index), flags); }
+    [[nodiscard]] HRESULT Enable(DWORD index, DWORD flags) const {
+        return select->Enable(static_cast<long>(index), flags);
+    }
 
     // How many streams are of that kind.
     [[nodiscard]] int CountOf(StreamKind kind) const;

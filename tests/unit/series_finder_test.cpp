@@ -126,6 +126,7 @@ TEST(SeriesPattern, WhatVariesInANameIsFoundByTheRules) {
              {L"ABC-123 B", kLetter, L"ABC-123 ", L""},
              {L"ABC-007_C", kLetter, L"ABC-007_", L""},
              {L"ABC-123 Disc B", kLetter, L"ABC-123 Disc ", L""},
+             {L"*@999999999999-O", kLetter, L"*@999999999999-", L""}, // beyond 32 bits
              // Too short, empty runs, a hyphen at the end, letters behind the number.
              {L"a-1", kEpisode, L"a-", L""},
              {L"ABC-123A", kEpisode, L"ABC-", L"A"},
