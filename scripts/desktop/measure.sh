@@ -5,8 +5,9 @@
 #
 # runs HAND_OVER FILE, which must make the player play FILE from its beginning in a window titled TITLE, and judges
 # what the screen then shows and the sound sink receives against what ffmpeg decodes. Leaves STEM.png and STEM.wav,
-# prints what was measured, and succeeds only if picture and sound, whichever of the two ffprobe finds, were seen and
-# heard: of pictures the first that is no cover, of several sound tracks any one. It prints what it did not judge.
+# prints what was measured, and succeeds only if every stream that ffprobe finds was seen or heard. What can be judged
+# is the first picture that is no cover and any one sound track: a file with more is played and measured all the same,
+# but does not succeed, and what was not judged is printed.
 
 # How long to play at least, and how long a black or silent beginning may be, in seconds.
 measure_seconds=${BRINDLECAST_MEASURE_SECONDS:-8}
@@ -90,15 +91,16 @@ decode_reference() { # FILE PICTURE_STREAM FOLDER SECONDS SOUND_STREAM…: what 
     done
 }
 
-# Says which streams the verdict is silent about: all but the picture and one track of sound.
-name_unjudged() { # FILE PICTURE_STREAM SOUND_TRACKS
-    local index kind unjudged=()
-    while IFS=, read -r index kind; do
-        [ "$kind" = audio ] || [ "$index" = "$2" ] || unjudged+=("stream $index ($kind)")
-    done < <(ffprobe -v error -show_entries stream=index,codec_type -of csv=p=0 "$1")
+# The streams that nothing can be said about: all but the picture and one track of sound. A cover is no stream of
+# the film.
+unjudged_streams() { # FILE PICTURE_STREAM SOUND_TRACKS
+    local index kind is_cover unjudged=()
+    while IFS=, read -r index kind is_cover; do
+        [ "$kind" = audio ] || [ "$index" = "$2" ] || [ "$is_cover" = 1 ] || unjudged+=("stream $index ($kind)")
+    done < <(ffprobe -v error -show_entries stream=index,codec_type:stream_disposition=attached_pic -of csv=p=0 "$1")
     [ "$3" -le 1 ] || unjudged+=("all but one of $3 sound tracks")
     local IFS=,
-    [ ${#unjudged[@]} -eq 0 ] || echo "measure: not judged: ${unjudged[*]}"
+    echo "${unjudged[*]}"
 }
 
 measure_file() (
@@ -120,7 +122,7 @@ measure_file() (
     mkdir "$folder/grabs"
     seconds=$(seconds_to_watch "$file" "$picture" "${sounds[0]:-}") || exit
     echo "measure: playing ${file##*/} for $seconds s"
-    name_unjudged "$file" "$picture" ${#sounds[@]}
+    left_out=$(unjudged_streams "$file" "$picture" ${#sounds[@]})
 
     desktop_record_start "$folder/recording.raw" || exit
     handed_over=$(date +%s.%N)
@@ -149,5 +151,9 @@ measure_file() (
     for stream in "${sounds[@]}"; do
         arguments+=(--source "$folder/sound.$stream")
     done
-    "$judge" "${arguments[@]}"
+    "$judge" "${arguments[@]}" || exit
+    if [ -n "$left_out" ]; then
+        echo "measure: not seen or heard, so the file as a whole is not proven: $left_out" >&2
+        exit 1
+    fi
 )
