@@ -249,10 +249,12 @@ HRESULT AudioSwitcherFilter::Drain() {
 // Stretches bytes, which begin at `start`, and sends what is finished.
 HRESULT AudioSwitcherFilter::DeliverStretched(std::optional<Time100ns> start) {
     if (start && expectedStart && std::abs(*start - *expectedStart) > kLargestGap) {
+        std::vector<std::uint8_t> behindTheHole = std::move(bytes);
         const HRESULT drained = DrainStretch();
         if (drained != S_OK) {
             return drained;
         }
+        bytes = std::move(behindTheHole);
     }
     const AudioFormat& format = converter->Output();
     if (!stretch) {
@@ -271,7 +273,7 @@ HRESULT AudioSwitcherFilter::DeliverStretched(std::optional<Time100ns> start) {
     return DeliverBytes(nextStart);
 }
 
-// Sends what is still inside of the stretching; the next sound begins anew.
+// Sends what is still inside of the stretching, by way of bytes; the next sound begins anew.
 HRESULT AudioSwitcherFilter::DrainStretch() {
     bytes.clear();
     expectedStart.reset();

@@ -97,6 +97,26 @@ TEST(SwitcherStretch, AHoleInTheSoundStaysAHole) {
     EXPECT_EQ(1, holes);
 }
 
+TEST(SwitcherStretch, BehindAHoleOnlyTheNewSoundIsHeard) {
+    SwitcherBench bench(kStereo16);
+    bench.control->SetNormalizeBoost2(false, 300, true, 0);
+    bench.source->Pin().DeliverNewSegment({0, 900'000'000, 2.0});
+    PushBlocks(bench, 2.0, 0, 50);
+    const Time100ns later = TimeOfBlock(50, 2.0) + 10'000'000;
+    for (int i = 0; i < 50; ++i) {
+        ASSERT_EQ(S_OK, bench.Push(Sine(kStereo16, 0.0, i), later + TimeOfBlock(i, 2.0)));
+    }
+    ASSERT_EQ(S_OK, bench.source->Pin().DeliverEndOfStream());
+    std::size_t bytes = 0;
+    for (const auto& sample : bench.sink->Samples()) {
+        if (*sample.start >= later) {
+            EXPECT_EQ(0.0, Peak(kStereo16, sample.bytes)) << "silence was sent";
+            bytes += sample.bytes.size();
+        }
+    }
+    EXPECT_NEAR(50.0 * kBlock / 2.0, static_cast<double>(bytes) / 4.0, 50.0);
+}
+
 TEST(SwitcherStretch, AFlushForgetsWhatWasUnderWay) {
     SwitcherBench bench(kStereo16);
     bench.control->SetNormalizeBoost2(false, 300, true, 0);
