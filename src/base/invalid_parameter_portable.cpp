@@ -1,0 +1,11 @@
+#include "base/invalid_parameter.h"
+
+#include <cstdlib>
+
+namespace brindlecast {
+
+void EndForInvalidParameter() {
+    std::abort();
+}
+
+} // namespace brindlecast
