@@ -5,15 +5,7 @@
 #include "app/main_window.h"
 #include "base/display_scale.h"
 #include "base/win32/dpi_awareness.h"
-
-// GDI+ leans on the COM types that a lean windows.h leaves out, and on its own min and max.
-#include <algorithm>
-#include <objidl.h>
-namespace Gdiplus {
-using std::max; // NOLINT(misc-unused-using-decls): used by the header
-using std::min; // NOLINT(misc-unused-using-decls)
-} // namespace Gdiplus
-#include <gdiplus.h>
+#include "base/win32/gdiplus.h"
 
 #include <commctrl.h>
 #include <objbase.h>
@@ -41,11 +33,6 @@ void InitializeCommonControls() {
     controls.dwSize = sizeof(controls);
     controls.dwICC = ICC_BAR_CLASSES | ICC_TAB_CLASSES | ICC_STANDARD_CLASSES;
     InitCommonControlsEx(&controls);
-}
-
-bool StartGdiplus(ULONG_PTR& token) {
-    const Gdiplus::GdiplusStartupInput input;
-    return Gdiplus::GdiplusStartup(&token, &input, nullptr) == Gdiplus::Ok;
 }
 
 } // namespace

@@ -1,11 +1,11 @@
 #include "engine/image_file.h"
 
 #include "base/win32/com_ptr.h"
+#include "base/win32/gdiplus.h"
 #include "base/win32/unique_handle.h"
 
 #include <windows.h>
 
-#include <gdiplus.h>
 #include <objbase.h>
 
 #include <cstring>
@@ -21,27 +21,6 @@ constexpr ULONG kJpegQuality = 95;
 // {1D5BE4B5-FA4A-452D-9CDD-5DB35105E7EB}
 constexpr GUID kEncoderQuality = {
     0x1D5BE4B5, 0xFA4A, 0x452D, {0x9C, 0xDD, 0x5D, 0xB3, 0x51, 0x05, 0xE7, 0xEB}};
-
-class GdiplusSession {
-public:
-    GdiplusSession() {
-        const Gdiplus::GdiplusStartupInput input;
-        if (Gdiplus::GdiplusStartup(&token, &input, nullptr) != Gdiplus::Ok) {
-            token = 0;
-        }
-    }
-    GdiplusSession(const GdiplusSession&) = delete;
-    GdiplusSession& operator=(const GdiplusSession&) = delete;
-    ~GdiplusSession() {
-        if (token != 0) {
-            Gdiplus::GdiplusShutdown(token);
-        }
-    }
-    explicit operator bool() const { return token != 0; }
-
-private:
-    ULONG_PTR token = 0;
-};
 
 using UniqueGlobal = UniqueResource<HandleTraits<HGLOBAL, GlobalFree>>;
 
