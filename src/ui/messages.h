@@ -17,6 +17,8 @@ enum MainWindowMessage : UINT {
     kMessageSeek = WM_USER + 206,      // wParam: position in ten-thousandths of the duration
     kMessageSetVolume = WM_USER + 207, // wParam: percent
     kMessageSetMuted = WM_USER + 208,  // wParam: flag
+    // Posted by the play list: it has hidden itself.
+    kMessagePlaylistHidden = WM_USER + 222,
 };
 
 } // namespace brindlecast
