@@ -75,7 +75,7 @@ void Application::CreateAccelerators() {
     std::vector<ACCEL> rows;
     rows.reserve(kKeyboardMap.size());
     for (const KeyBinding& binding : kKeyboardMap) {
-        rows.push_back({FVIRTKEY, binding.virtualKey, static_cast<WORD>(binding.command)});
+        rows.push_back({binding.flags, binding.virtualKey, binding.command});
     }
     accelerators.Reset(CreateAcceleratorTableW(rows.data(), static_cast<int>(rows.size())));
 }

@@ -1,13 +1,19 @@
 #include "app/main_window.h"
 
 #include "app/main_window_layout.h"
+#include "app/overlay.h"
 #include "app/resource_ids.h"
 #include "app/settings.h"
 #include "base/display_scale.h"
 #include "base/win32/geometry.h"
+#include "chrome/title_bar.h"
+#include "chrome/toolbar.h"
 #include "chrome/video_window.h"
 #include "engine/player_engine.h"
+#include "engine/volume_curve.h"
 #include "library/playlist_database.h"
+#include "playlist_ui/playlist_services.h"
+#include "playlist_ui/playlist_window.h"
 #include "ui/messages.h"
 
 #include <shellapi.h>
@@ -46,7 +52,10 @@ MainWindow::~MainWindow() {
     engine.reset();
     Destroy();
     recentFiles.clear();
+    playlistWindow.reset();
+    toolbar.reset();
     videoWindow.reset();
+    titleBar.reset();
 }
 
 bool MainWindow::Create(HINSTANCE moduleInstance) {
@@ -103,6 +112,7 @@ void MainWindow::RememberPlacement() {
     }
 }
 
+// The order is that in which one thing needs another.
 void MainWindow::OnCreate() {
     DragAcceptFiles(Handle(), TRUE);
     videoWindow = std::make_unique<VideoWindow>();
@@ -110,7 +120,13 @@ void MainWindow::OnCreate() {
         videoWindow.reset();
     }
     OpenLibrary();
+    magnetDistance = static_cast<std::int32_t>(ReadSetting(store, settings::kMagnetDistance));
     CreateEngine();
+    ShowSoundState();
+    CreatePlaylist();
+    if (videoWindow != nullptr) {
+        CreateOverlay(videoWindow->Handle(), instance);
+    }
     StartTimers();
 }
 
@@ -133,10 +149,30 @@ void MainWindow::CreateEngine() {
     NotifyOfGraphEvents();
 }
 
+void MainWindow::ShowSoundState() {
+    if (toolbar == nullptr) {
+        return;
+    }
+    toolbar->SetVolumePercent(static_cast<int>(VolumePercent(engine->volume)));
+    toolbar->state.muted = engine->muted;
+    toolbar->state.subtitleOn = ReadSetting(store, settings::kSubtitleEnabled) != 0;
+    toolbar->Refresh();
+}
+
+void MainWindow::CreatePlaylist() {
+    playlistWindow = std::make_unique<PlaylistWindow>(SystemPlaylistServices(store));
+    if (!playlistWindow->Create(Handle(), instance)) {
+        playlistWindow.reset();
+    } else if (ReadSetting(store, settings::kPlaylistVisible) != 0) {
+        ShowPlaylist();
+    }
+}
+
 void MainWindow::OnDestroy() {
     RememberPlacement();
     SaveSettings(CurrentSettings(), store);
     StopTimers();
+    ReleaseOverlay();
     engine.reset();
     PostQuitMessage(0);
 }
@@ -145,7 +181,8 @@ LRESULT MainWindow::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_CREATE: OnCreate(); return 0;
     case WM_DESTROY: OnDestroy(); return 0;
-    case WM_SIZE: OnSize(); return 0;
+    case WM_MOVE: PlaceDockedPlaylist(); return Default(message, wParam, lParam);
+    case WM_SIZE: OnSize({LOWORD(lParam), HIWORD(lParam)}); return 0;
     case WM_PAINT: Paint(); return 0;
     case WM_ERASEBKGND:
     case WM_NCACTIVATE: return 1; // the frame is painted with the rest
@@ -153,46 +190,23 @@ LRESULT MainWindow::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_NCHITTEST: return OnHitTest(wParam, lParam);
     case WM_SETCURSOR: return OnSetCursor(wParam, lParam);
     case WM_GETMINMAXINFO: OnGetMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
-    case WM_KEYDOWN: return 0; // keys act through the accelerators alone
+    case WM_ENTERSIZEMOVE: OnEnterSizeMove(); return 0;
+    case WM_MOVING: return OnMoving(wParam, lParam);
     case WM_COMMAND: OnCommand(LOWORD(wParam)); return 0;
     case WM_TIMER: OnTimer(wParam); return 0;
-    case WM_MOUSEMOVE: return 0;
-    case WM_LBUTTONDBLCLK: return SendMessageW(Handle(), kMessageTogglePlay, 0, 0);
-    case WM_MOUSEWHEEL: OnMouseWheel(GET_WHEEL_DELTA_WPARAM(wParam)); return 0;
     case WM_DROPFILES: OnDropFiles(reinterpret_cast<HDROP>(wParam)); return 0;
-    default: return OnCustomMessage(message, wParam, lParam);
+    default: return HandleInput(message, wParam, lParam);
     }
 }
 
-LRESULT MainWindow::OnCustomMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT MainWindow::HandleInput(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
-    case kMessageGraphEvent: OnGraphEvent(); return 0;
-    case kMessageTogglePlay: TogglePlayPause(); return 0;
-    case kMessageStop: StopPlayback(); return 0;
-    case kMessageStepBackward:
-        if (engine != nullptr) {
-            engine->SeekPreviousKeyFrame();
-        }
-        return 0;
-    case kMessageStepForward:
-        if (engine != nullptr) {
-            engine->SeekNextKeyFrame();
-        }
-        return 0;
-    case kMessageOpenDialog: ShowOpenDialog(); return 0;
-    case kMessageIsPlaying: return engine != nullptr && engine->state != kEngineStopped ? 1 : 0;
-    case kMessageSeek: SeekToTenThousandth(static_cast<int>(wParam)); return 0;
-    case kMessageSetVolume:
-        if (engine != nullptr) {
-            engine->SetVolume(static_cast<float>(wParam) / 100.0F);
-        }
-        return 0;
-    case kMessageSetMuted:
-        if (engine != nullptr) {
-            engine->SetMuted(wParam != 0);
-        }
-        return 0;
-    default: return Default(message, wParam, lParam);
+    case WM_KEYDOWN: // keys act through the accelerators alone
+    case WM_MOUSEMOVE: return 0;
+    case WM_LBUTTONDBLCLK: return SendMessageW(Handle(), kMessageTogglePlay, 0, 0);
+    case WM_MBUTTONDOWN: ToggleFullScreen(); return 0;
+    case WM_MOUSEWHEEL: OnMouseWheel(GET_WHEEL_DELTA_WPARAM(wParam)); return 0;
+    default: return OnOwnMessage(message, wParam, lParam);
     }
 }
 

@@ -1,7 +1,12 @@
+#include "app/full_screen_bars.h"
 #include "app/main_window.h"
 #include "app/main_window_layout.h"
+#include "app/overlay.h"
+#include "app/window_sizing.h"
 #include "base/display_scale.h"
 #include "base/win32/geometry.h"
+#include "chrome/title_bar.h"
+#include "chrome/toolbar.h"
 #include "chrome/video_window.h"
 #include "engine/player_engine.h"
 #include "ui/frame_cursor.h"
@@ -11,20 +16,62 @@
 
 namespace brindlecast {
 
-void MainWindow::OnSize() {
+namespace {
+
+constexpr DWORD kSizeHold = 800; // milliseconds
+constexpr UINT kDockedFlags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW;
+
+constexpr UINT FloatingFlags(bool shown) {
+    return SWP_NOZORDER | SWP_NOACTIVATE | (shown ? SWP_SHOWWINDOW : SWP_HIDEWINDOW);
+}
+
+void Place(const Window* child, const Rect& place, HWND behind, UINT flags) {
+    if (child != nullptr) {
+        SetWindowPos(child->Handle(), behind, place.left, place.top, place.Width(), place.Height(), flags);
+    }
+}
+
+} // namespace
+
+void MainWindow::OnSize(Size client) {
+    if (titleBar != nullptr) {
+        titleBar->maximized = IsZoomed(Handle()) != FALSE;
+    }
     LayoutChildren();
     if (engine != nullptr) {
         engine->RedrawVideo();
     }
+    if (!isFullScreen) {
+        ShowVideoSize(client);
+        PlaceDockedPlaylist();
+    }
+}
+
+void MainWindow::ShowVideoSize(Size client) {
+    if (client.width < 1 || client.height < 1) {
+        return;
+    }
+    if (sizeOverlayArmed) {
+        ShowOverlayMessage(VideoSizeText(VideoAreaOf(client, ScaledMetrics())), kSizeHold);
+    }
+    sizeOverlayArmed = true;
 }
 
 void MainWindow::LayoutChildren() {
     RECT client{};
     GetClientRect(Handle(), &client);
-    const MainWindowLayout layout = LayOutMainWindow(SizeOf(client), ScaledMetrics());
-    if (videoWindow != nullptr) {
-        const Rect& video = layout.video;
-        MoveWindow(videoWindow->Handle(), video.left, video.top, video.Width(), video.Height(), TRUE);
+    if (isFullScreen) {
+        RECT own{};
+        GetWindowRect(Handle(), &own);
+        const FullScreenLayout layout = LayOutFullScreen(FromRect(own), ScaledMetrics());
+        Place(videoWindow.get(), layout.video, HWND_BOTTOM, SWP_NOACTIVATE);
+        Place(titleBar.get(), layout.titleBar, nullptr, FloatingFlags(fullScreenTitleBarShown));
+        Place(toolbar.get(), layout.toolbar, nullptr, FloatingFlags(fullScreenToolbarShown));
+    } else {
+        const MainWindowLayout layout = LayOutMainWindow(SizeOf(client), ScaledMetrics());
+        Place(titleBar.get(), layout.titleBar, nullptr, kDockedFlags);
+        Place(videoWindow.get(), layout.video, nullptr, SWP_NOZORDER | SWP_NOACTIVATE);
+        Place(toolbar.get(), layout.toolbar, nullptr, kDockedFlags);
     }
     InvalidateRect(Handle(), nullptr, FALSE);
 }

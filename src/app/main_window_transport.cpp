@@ -1,25 +1,32 @@
+#include "app/command_texts.h"
+#include "app/file_dialog.h"
 #include "app/main_window.h"
+#include "app/next_action.h"
 #include "app/open_dialog_texts.h"
+#include "app/overlay.h"
 #include "app/recent_list.h"
 #include "base/paths.h"
 #include "base/text.h"
+#include "chrome/title_bar.h"
+#include "chrome/toolbar.h"
 #include "chrome/video_window.h"
 #include "engine/player_engine.h"
+#include "inspection/shell_links.h"
 #include "library/playlist_database.h"
+#include "library/playlist_format.h"
+#include "playlist_ui/playlist_window.h"
 #include "ui/command_ids.h"
 #include "ui/messages.h"
 
-#include <commdlg.h>
 #include <evcode.h>
-#include <shellapi.h>
-
-#include <array>
 
 namespace brindlecast {
 
 namespace {
 
-constexpr std::size_t kPathCapacity = 260;
+constexpr DWORD kFileNameHold = 2000; // milliseconds
+constexpr DWORD kStateHold = 1000;
+constexpr DWORD kRepeatHold = 2000;
 
 bool Exists(const std::wstring& path) {
     return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
@@ -27,15 +34,17 @@ bool Exists(const std::wstring& path) {
 
 } // namespace
 
-bool MainWindow::OpenFile(std::wstring path) {
+bool MainWindow::OpenFile(const std::wstring& path) {
     if (engine == nullptr) {
         return false;
     }
+    const std::wstring file = ResolveShortcut(path);
     if (videoWindow != nullptr) {
         videoWindow->DetachRenderer();
     }
     engine->CloseGraph();
-    if (!engine->OpenFile(path)) {
+    FindInPlaylist(file);
+    if (!engine->OpenFile(file)) {
         return false;
     }
     NotifyOfGraphEvents();
@@ -44,9 +53,21 @@ bool MainWindow::OpenFile(std::wstring path) {
         InvalidateRect(videoWindow->Handle(), nullptr, FALSE);
     }
     Play();
-    SetWindowTextW(Handle(), FormatText(L"Brindlecast - %s", FileNameOf(path)).c_str());
-    AddRecentFile(path);
+    ShowOpenFile(file);
     return true;
+}
+
+// A file outside the list replaces it by its series, also when it will not open.
+void MainWindow::FindInPlaylist(const std::wstring& path) {
+    if (playlistWindow == nullptr) {
+        return;
+    }
+    PlaylistModel& model = playlistWindow->model;
+    if (const std::int32_t index = model.FindByPath(path); index >= 0) {
+        model.SetCurrent(index);
+    } else {
+        model.ReplaceWithSeries(path);
+    }
 }
 
 // A graph that refuses to run stays open and stopped, as the state then shows. Playing may have built another
@@ -57,8 +78,37 @@ void MainWindow::Play() {
     }
     static_cast<void>(engine->Play());
     NotifyOfGraphEvents();
+    if (toolbar != nullptr) {
+        toolbar->state.playing = engine->state == kEngineRunning;
+        toolbar->Refresh();
+    }
     if (videoWindow != nullptr) {
         videoWindow->AttachRenderer();
+    }
+}
+
+void MainWindow::ShowOpenFile(const std::wstring& path) {
+    const std::wstring name(FileNameOf(path));
+    SetWindowTextW(Handle(), FormatText(L"Brindlecast - %s", name).c_str());
+    if (titleBar != nullptr) {
+        titleBar->SetFileText(name);
+    }
+    ShowOverlayMessage(name, kFileNameHold);
+    AddRecentFile(path);
+    const MediaSummary summary = engine->GetMediaSummary();
+    if (toolbar != nullptr) {
+        // Nothing that could show subtitles is there yet.
+        toolbar->state.subtitleOn = false;
+        toolbar->state.videoCodecText = summary.videoCodec;
+        toolbar->state.audioCodecText = summary.audioCodec;
+        toolbar->state.isHardware = summary.isHardware;
+        toolbar->state.channels = summary.audioChannels;
+        toolbar->state.fileOpen = true;
+        toolbar->Refresh();
+    }
+    if (playlistWindow != nullptr) {
+        playlistWindow->model.UpdateMediaInfo(path, engine->GetDuration(),
+                                              FormatCodecInfo(summary.videoCodec, summary.audioCodec));
     }
 }
 
@@ -67,19 +117,28 @@ void MainWindow::AddRecentFile(const std::wstring& path) {
     PutInFront(recentFiles, path);
 }
 
+void MainWindow::OpenRecentFile(std::size_t index) {
+    if (index >= recentFiles.size()) {
+        return;
+    }
+    const std::wstring path = recentFiles[index];
+    if (Exists(path)) {
+        OpenFile(path);
+        return;
+    }
+    PlaylistDatabase::Instance().RemoveRecent(path);
+    recentFiles.erase(recentFiles.begin() + static_cast<std::ptrdiff_t>(index));
+    MessageBoxW(Handle(), texts::kFileMissing, texts::kFileMissingCaption, MB_ICONWARNING);
+}
+
+void MainWindow::ClearRecentFiles() {
+    recentFiles.clear();
+    PlaylistDatabase::Instance().ClearRecent();
+}
+
 void MainWindow::ShowOpenDialog() {
-    std::array<wchar_t, kPathCapacity> path{};
-    OPENFILENAMEW dialog{};
-    dialog.lStructSize = sizeof(dialog);
-    dialog.hwndOwner = Handle();
-    dialog.lpstrFilter = texts::kOpenFilter;
-    dialog.nFilterIndex = 1;
-    dialog.lpstrFile = path.data();
-    dialog.nMaxFile = static_cast<DWORD>(path.size());
-    dialog.lpstrTitle = texts::kOpenTitle;
-    dialog.Flags = OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST;
-    if (GetOpenFileNameW(&dialog) != FALSE) {
-        OpenFile(path.data());
+    if (const auto path = AskForFile(Handle(), texts::kOpenTitle, texts::kOpenFilter)) {
+        OpenFile(*path);
     }
 }
 
@@ -89,28 +148,50 @@ void MainWindow::TogglePlayPause() {
     }
     if (engine->currentFile.empty()) {
         if (!recentFiles.empty() && Exists(recentFiles.front())) {
-            OpenFile(recentFiles.front());
+            // A copy: opening rearranges the list.
+            OpenFile(std::wstring(recentFiles.front()));
         }
         return;
     }
-    if (engine->state == kEngineRunning) {
-        if (engine->control != nullptr && SUCCEEDED(engine->control->Pause())) {
-            engine->state = kEnginePaused;
-        }
-    } else {
+    if (engine->state != kEngineRunning) {
         Play();
+    } else if (engine->control != nullptr && SUCCEEDED(engine->control->Pause())) {
+        engine->state = kEnginePaused;
     }
+    const bool isPlaying = engine->state == kEngineRunning;
+    if (toolbar != nullptr) {
+        toolbar->state.playing = isPlaying;
+        toolbar->Refresh();
+    }
+    ShowOverlayMessage(isPlaying ? texts::kPlaying : texts::kPaused, kStateHold);
 }
 
 void MainWindow::StopPlayback() {
     if (engine == nullptr || engine->currentFile.empty()) {
         return;
     }
+    ShowOverlayMessage(texts::kStopped, kStateHold);
     engine->ClearMarks();
     if (videoWindow != nullptr) {
         videoWindow->DetachRenderer();
     }
     engine->CloseGraph();
+    ShowNothingOpen();
+}
+
+// The window's own text keeps the name of the last file.
+void MainWindow::ShowNothingOpen() {
+    if (toolbar != nullptr) {
+        const ToolbarState old = toolbar->state;
+        toolbar->state = {};
+        toolbar->state.subtitleOn = old.subtitleOn;
+        toolbar->state.muted = old.muted;
+        toolbar->state.volumePercent = old.volumePercent;
+        toolbar->Refresh();
+    }
+    if (titleBar != nullptr) {
+        titleBar->SetFileText({});
+    }
     if (videoWindow != nullptr) {
         videoWindow->idle = true;
         InvalidateRect(videoWindow->Handle(), nullptr, FALSE);
@@ -143,26 +224,17 @@ void MainWindow::OnGraphEvent() {
     if (engine == nullptr || engine->events == nullptr || !DrainGraphEvents()) {
         return;
     }
-    if (engine->markA >= 1 && engine->markB <= engine->markA) {
+    const EndOfFile end{engine->markA, engine->markB, playlistWindow != nullptr,
+                        playlistWindow != nullptr && playlistWindow->groupQueueActive};
+    switch (ChooseNextAction(end)) {
+    case NextAction::RepeatFromA:
         engine->Seek(static_cast<Seconds>(engine->markA) / static_cast<Seconds>(kUnitsPerSecond));
         Play();
-        return;
-    }
-    OnCommand(kCommandStop);
-}
-
-void MainWindow::OnDropFiles(HDROP drop) {
-    std::wstring first;
-    const UINT count = DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0);
-    for (UINT i = 0; i < count && first.empty(); ++i) {
-        std::array<wchar_t, kPathCapacity> path{};
-        if (DragQueryFileW(drop, i, path.data(), static_cast<UINT>(path.size())) > 0) {
-            first = path.data();
-        }
-    }
-    DragFinish(drop);
-    if (!first.empty()) {
-        OpenFile(first);
+        ShowOverlayMessage(texts::kRepeatsToEnd, kRepeatHold);
+        break;
+    case NextAction::PlayNextItem: PlayNextItem(); break;
+    case NextAction::PlayNextFavorite: PlayNextFavorite(); break;
+    case NextAction::Stop: OnCommand(kCommandStop); break;
     }
 }
 

@@ -27,4 +27,9 @@ inline constexpr const wchar_t* kOpenFilter =
     L"모든 파일 (*.*)\0"
     L"*.*\0";
 
+inline constexpr const wchar_t* kOpenSubtitleTitle = L"자막 파일 열기";
+inline constexpr const wchar_t* kOpenSubtitleFilter =
+    L"자막 파일 (*.srt;*.ass;*.ssa;*.smi;*.vtt;*.sub;*.idx)\0"
+    L"*.srt;*.ass;*.ssa;*.smi;*.vtt;*.sub;*.idx\0";
+
 } // namespace brindlecast::texts

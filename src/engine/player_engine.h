@@ -104,6 +104,8 @@ public:
     void ToggleDRC();
     [[nodiscard]] int GetEmbeddedSubtitleCount() const;
     [[nodiscard]] std::wstring GetEmbeddedSubtitleName(int ordinal) const;
+    // Stored.
+    void SetSubtitleEnabled(bool enabled);
     // The stream index among all streams of the splitter, -1 if there is none of that ordinal.
     [[nodiscard]] int MapEmbeddedSubtitleStream(unsigned ordinal) const;
 

@@ -108,6 +108,17 @@ void PlaylistModel::ReplaceWithSeries(const std::wstring& path) {
     }
 }
 
+void PlaylistModel::ReplaceWithSeriesOfDrop(const std::wstring& path) {
+    const std::vector<std::wstring> series = services.findSeries(path, kSeriesLimit);
+    Clear();
+    RebuildView();
+    SyncToDatabase();
+    for (const std::wstring& file : series) {
+        AddFile(file);
+    }
+    RebuildView();
+}
+
 void PlaylistModel::UpdateMediaInfo(const std::wstring& path, double seconds, const std::wstring& codecText) {
     const std::int32_t index = FindByPath(path);
     if (index < 0) {
@@ -324,6 +335,16 @@ int PlaylistModel::MoveRowToBottom(int row) {
     return RowCount() - 1;
 }
 
+void PlaylistModel::SetCurrent(std::int32_t index) {
+    currentIndex = index;
+    if (listener.repaintNeeded) {
+        listener.repaintNeeded();
+    }
+    if (const int row = RowOfCurrent(); row >= 0 && listener.rowShown) {
+        listener.rowShown(row);
+    }
+}
+
 bool PlaylistModel::HasNext() const {
     return currentIndex >= 0 && currentIndex < Count() - 1;
 }
@@ -332,13 +353,7 @@ std::wstring PlaylistModel::AdvanceCurrent() {
     if (!HasNext()) {
         return {};
     }
-    ++currentIndex;
-    if (listener.repaintNeeded) {
-        listener.repaintNeeded();
-    }
-    if (const int row = RowOfCurrent(); row >= 0 && listener.rowShown) {
-        listener.rowShown(row);
-    }
+    SetCurrent(currentIndex + 1);
     return items[static_cast<std::size_t>(currentIndex)].file_path;
 }
 

@@ -63,6 +63,8 @@ public:
     void SyncToDatabase();
     // The list becomes the file's series.
     void ReplaceWithSeries(const std::wstring& path);
+    // The same for a file that was dropped: nothing is current, and the table is left empty.
+    void ReplaceWithSeriesOfDrop(const std::wstring& path);
     // What playing a file has revealed. An empty text keeps the known one.
     void UpdateMediaInfo(const std::wstring& path, double seconds, const std::wstring& codecText);
     // Rows that do not exist are passed over. The answer is the row to select next, -1 for none.
@@ -87,6 +89,8 @@ public:
     int MoveRowDown(int row);
     int MoveRowToBottom(int row);
 
+    // Makes an item the one that plays, and shows its row.
+    void SetCurrent(std::int32_t index);
     // Goes on to the next item; empty when there is none.
     [[nodiscard]] std::wstring AdvanceCurrent();
     [[nodiscard]] bool HasNext() const;

@@ -2,15 +2,16 @@
 
 namespace brindlecast {
 
-// Commands of WM_COMMAND. The 5000 family comes from menus, the 6000 family from keys.
+// Commands of WM_COMMAND that are named elsewhere than in the table of commands. The 5000 family comes from
+// menus, the 6000 family from keys.
 enum CommandId : int {
     kCommandStop = 5004,
     kCommandExit = 5022,
-    kCommandKeyTogglePlay = 6001,
-    kCommandKeyStepBackward = 6002,
-    kCommandKeyStepForward = 6003,
-    kCommandKeyOpen = 6040,
-    kCommandKeyEscape = 6042,
+    kCommandRecentFirst = 5100, // one for each of the recent files
+    kCommandClearRecent = 5110,
+    kCommandKeyUpright = 6010,
+    kCommandKeyTurnedRight = 6011,
+    kCommandKeyTurnedLeft = 6013,
 };
 
 } // namespace brindlecast

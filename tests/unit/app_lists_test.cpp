@@ -49,15 +49,5 @@ TEST(KeyboardMap, OnlyKeysThatGoDownMayBeAccelerators) {
     EXPECT_FALSE(MayBeAccelerator(0));
 }
 
-TEST(KeyboardMap, EveryRowHasItsKeyAndCommand) {
-    const std::pair<int, int> expected[] = {{0x20, 6001}, {0x25, 6002}, {0x27, 6003},
-                                            {0x50, 6001}, {0x4F, 6040}, {0x1B, 6042}};
-    ASSERT_EQ(kKeyboardMap.size(), std::size(expected));
-    for (std::size_t i = 0; i < kKeyboardMap.size(); ++i) {
-        EXPECT_EQ(kKeyboardMap[i].virtualKey, expected[i].first);
-        EXPECT_EQ(kKeyboardMap[i].command, expected[i].second);
-    }
-}
-
 } // namespace
 } // namespace brindlecast

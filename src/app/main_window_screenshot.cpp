@@ -1,0 +1,53 @@
+#include "app/command_texts.h"
+#include "app/main_window.h"
+#include "app/overlay.h"
+#include "app/screenshot_name.h"
+#include "base/paths.h"
+#include "engine/player_engine.h"
+
+#include <knownfolders.h>
+#include <shlobj.h>
+
+#include <array>
+
+namespace brindlecast {
+
+namespace {
+
+constexpr DWORD kScreenshotHold = 1500; // milliseconds
+
+std::wstring ProgramFolder() {
+    std::array<wchar_t, MAX_PATH> path{};
+    GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    const std::wstring_view file = path.data();
+    return std::wstring(file.substr(0, LastSeparator(file) + 1));
+}
+
+// With its separator at the end. Pictures that have no folder go beside the program.
+std::wstring ScreenshotFolder() {
+    PWSTR pictures = nullptr;
+    const HRESULT found = SHGetKnownFolderPath(FOLDERID_Pictures, 0, nullptr, &pictures);
+    std::wstring folder = SUCCEEDED(found) ? std::wstring(pictures) + L"\\Brindlecast\\" : ProgramFolder();
+    CoTaskMemFree(pictures);
+    if (SUCCEEDED(found)) {
+        CreateDirectoryW(folder.c_str(), nullptr);
+    }
+    return folder;
+}
+
+LocalTime Now() {
+    SYSTEMTIME time{};
+    GetLocalTime(&time);
+    return {time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond};
+}
+
+} // namespace
+
+void MainWindow::TakeScreenshot() {
+    if (engine != nullptr &&
+        engine->SaveScreenshot(ScreenshotFolder() + ScreenshotName(engine->currentFile, Now()))) {
+        ShowOverlayMessage(texts::kScreenshotSaved, kScreenshotHold);
+    }
+}
+
+} // namespace brindlecast
