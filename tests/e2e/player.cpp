@@ -113,6 +113,11 @@ std::optional<DWORD> Player::Close() {
     return process.WaitForEnd(limits::kExit);
 }
 
+bool Player::WaitUntilNoMessageShows() const {
+    return WaitUntil(limits::kReaction, "end of the on-screen message",
+                     [&] { return process.FindVisibleWindow(L"BrindlecastOverlay") == nullptr; });
+}
+
 std::optional<int> Player::FrameOnScreen(const Film& film) const {
     const Rect video = ScreenRectOf(VideoWindow());
     const Photograph photograph = PhotographScreen(video);

@@ -52,6 +52,8 @@ public:
     // time.
     [[nodiscard]] std::optional<DWORD> Close();
 
+    // Waits until no on-screen message stands over the picture any more.
+    [[nodiscard]] bool WaitUntilNoMessageShows() const;
     // The number in the mark on the screen at this moment.
     [[nodiscard]] std::optional<int> FrameOnScreen(const Film& film) const;
     // Waits until a frame with a readable mark stands on the screen.

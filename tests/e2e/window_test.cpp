@@ -40,6 +40,7 @@ TEST_F(WindowTest, ADrawnEdgeResizesAndThePictureKeepsItsShape) {
     EXPECT_NEAR(window.Width(), 800, 2);
     ASSERT_TRUE(player.WaitForFrame(kFilm).has_value()) << "the mark must stand where the shape puts it";
     const Rect video = ScreenRectOf(player.VideoWindow());
+    ASSERT_TRUE(player.WaitUntilNoMessageShows());
     const Rect picture = player.PictureOnScreen(kFilm);
     ASSERT_GT(picture.top, video.top + 50) << "a narrow window has bars above and below";
     EXPECT_NEAR(picture.Width() * 9.0 / 16.0, picture.Height(), 1.0);
