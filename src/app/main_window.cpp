@@ -16,6 +16,7 @@
 #include "playlist_ui/playlist_window.h"
 #include "ui/messages.h"
 
+#include <imm.h>
 #include <shellapi.h>
 
 #include <optional>
@@ -32,6 +33,21 @@ constexpr DWORD kStyle = WS_POPUP | WS_CLIPCHILDREN | WS_THICKFRAME | WS_MINIMIZ
 Size ScreenSize() {
     return {GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
 }
+
+// In the size in which it is shown, which LoadIcon does not ask for.
+HICON SmallIcon(HINSTANCE instance) {
+    return static_cast<HICON>(LoadImageW(instance, MAKEINTRESOURCEW(kIconSmall), IMAGE_ICON,
+                                         GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON),
+                                         LR_SHARED));
+}
+
+// Posts the end of the message pump whatever happens before.
+struct QuitGuard {
+    QuitGuard() = default;
+    QuitGuard(const QuitGuard&) = delete;
+    QuitGuard& operator=(const QuitGuard&) = delete;
+    ~QuitGuard() { PostQuitMessage(0); }
+};
 
 std::optional<Rect> WorkAreaOf(const Rect& rect) {
     const RECT platformRect = ToRect(rect);
@@ -62,7 +78,7 @@ bool MainWindow::Create(HINSTANCE moduleInstance) {
     instance = moduleInstance;
     LoadSettings(CurrentSettings(), store);
     const Class windowClass{kClassName, kClassStyle, LoadIconW(instance, MAKEINTRESOURCEW(kIconLarge)),
-                            LoadIconW(instance, MAKEINTRESOURCEW(kIconSmall))};
+                            SmallIcon(instance)};
     const Rect start = CenterOnScreen(kStartSize, ScreenSize());
     if (!Register(instance, windowClass) ||
         !CreateHandle(instance, windowClass,
@@ -115,6 +131,8 @@ void MainWindow::RememberPlacement() {
 // The order is that in which one thing needs another.
 void MainWindow::OnCreate() {
     DragAcceptFiles(Handle(), TRUE);
+    // Letters are commands, also while the user's input method would compose Hangul of them.
+    ImmAssociateContext(Handle(), nullptr);
     videoWindow = std::make_unique<VideoWindow>();
     if (!videoWindow->Create(instance, Handle())) {
         videoWindow.reset();
@@ -153,7 +171,7 @@ void MainWindow::ShowSoundState() {
     if (toolbar == nullptr) {
         return;
     }
-    toolbar->SetVolumePercent(static_cast<int>(VolumePercent(engine->volume)));
+    toolbar->SetVolumePercent(static_cast<int>(VolumePercent(ClampVolume(engine->volume))));
     toolbar->state.muted = engine->muted;
     toolbar->state.subtitleOn = ReadSetting(store, settings::kSubtitleEnabled) != 0;
     toolbar->Refresh();
@@ -169,12 +187,12 @@ void MainWindow::CreatePlaylist() {
 }
 
 void MainWindow::OnDestroy() {
+    const QuitGuard quit;
     RememberPlacement();
     SaveSettings(CurrentSettings(), store);
     StopTimers();
     ReleaseOverlay();
     engine.reset();
-    PostQuitMessage(0);
 }
 
 LRESULT MainWindow::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {

@@ -80,6 +80,7 @@ private:
 
     // Shape; main_window_shape.cpp.
     void OnSize(Size client);
+    void RedrawVideo();
     void ShowVideoSize(Size client);
     void LayoutChildren();
     void Paint();
@@ -121,6 +122,7 @@ private:
     void FindInPlaylist(const std::wstring& path);
     void ShowOpenFile(const std::wstring& path);
     void Play();
+    void ShowPlaying();
     void ShowOpenDialog();
     void TogglePlayPause();
     void StopPlayback();
@@ -140,9 +142,9 @@ private:
     // Goes on to the next item that opens; false when there is none.
     [[nodiscard]] bool OpenNextItem();
     [[nodiscard]] bool OpenItem(const std::wstring& path);
-    void PlayPlaylistIndex(int index);
-    void PlayPlaylistIndexAt(int index, Seconds start);
-    [[nodiscard]] std::wstring ChooseItem(int index);
+    void PlayPlaylistIndex(std::intptr_t index);
+    void PlayPlaylistIndexAt(std::intptr_t index, Seconds start);
+    [[nodiscard]] std::wstring ChooseItem(std::intptr_t index);
     void OnDropFiles(HDROP drop);
 
     // Commands, wheel and keys; main_window_commands.cpp.
@@ -167,6 +169,7 @@ private:
     void SetRate(double rate, const wchar_t* text);
     void PressMarkA(const Command& command);
     void PressMarkB(const Command& command);
+    void ClearMarks();
     void ShowMarks();
     void ToggleCompression(const Command& command);
 

@@ -83,9 +83,9 @@ void MainWindow::RunEngineCommand(const Command& command) {
     case CommandAction::ChangeVolume: ChangeVolume(amount > 0); break;
     case CommandAction::ToggleMute: ToggleMute(command); break;
     case CommandAction::TurnUpright:
+        SetRotation(0);
         engine->SetFlipHorizontal(false);
         engine->SetFlipVertical(false);
-        SetRotation(0);
         break;
     case CommandAction::SetRotation: SetRotation(amount); break;
     case CommandAction::Turn: Turn(amount); break;
@@ -102,8 +102,7 @@ void MainWindow::RunEngineCommand(const Command& command) {
     case CommandAction::PressMarkA: PressMarkA(command); break;
     case CommandAction::PressMarkB: PressMarkB(command); break;
     case CommandAction::ClearMarks:
-        engine->ClearMarks();
-        ShowMarks();
+        ClearMarks();
         ShowOverlayMessage(command.text, kCommandHold);
         break;
     case CommandAction::ToggleCompression: ToggleCompression(command); break;
@@ -253,6 +252,16 @@ void MainWindow::PressMarkB(const Command& command) {
     ShowOverlayMessage(text, kCommandHold);
 }
 
+void MainWindow::ClearMarks() {
+    engine->ClearMarks();
+    if (toolbar != nullptr) {
+        toolbar->state.markFractionA = 0.0;
+        toolbar->state.markFractionB = 0.0;
+        toolbar->Refresh();
+    }
+}
+
+// As parts of a duration, which a file may not have.
 void MainWindow::ShowMarks() {
     const Seconds duration = engine->GetDuration();
     if (toolbar == nullptr || !(duration > 0.0)) {

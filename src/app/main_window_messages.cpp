@@ -99,12 +99,13 @@ LRESULT MainWindow::OnSetMutedMessage(WPARAM muted, LPARAM) {
 }
 
 LRESULT MainWindow::OnPlayItemMessage(WPARAM index, LPARAM) {
-    PlayPlaylistIndex(static_cast<int>(index));
+    PlayPlaylistIndex(static_cast<std::intptr_t>(index));
     return 0;
 }
 
 LRESULT MainWindow::OnPlayItemAtMessage(WPARAM index, LPARAM milliseconds) {
-    PlayPlaylistIndexAt(static_cast<int>(index), static_cast<double>(milliseconds) / kMillisecondsPerSecond);
+    PlayPlaylistIndexAt(static_cast<std::intptr_t>(index),
+                        static_cast<double>(milliseconds) / kMillisecondsPerSecond);
     return 0;
 }
 

@@ -65,7 +65,7 @@ void MainWindow::SnapWhileMoving(RECT& moved) const {
 }
 
 void MainWindow::PlaceDockedPlaylist() {
-    if (isFullScreen || !HasDockedPlaylist()) {
+    if (isFullScreen || IsIconic(Handle()) != FALSE || !HasDockedPlaylist()) {
         return;
     }
     RECT own{};

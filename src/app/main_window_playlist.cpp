@@ -56,7 +56,7 @@ bool MainWindow::OpenItem(const std::wstring& path) {
     // files that don't open would never end.
     if (index >= 0 && static_cast<std::size_t>(index) < model.items.size() &&
         model.items[static_cast<std::size_t>(index)].file_path == path) {
-        model.currentIndex = index;
+        model.SetCurrent(index);
     }
     return false;
 }
@@ -83,7 +83,7 @@ void MainWindow::PlayNextFavorite() {
     OnCommand(kCommandStop);
 }
 
-std::wstring MainWindow::ChooseItem(int index) {
+std::wstring MainWindow::ChooseItem(std::intptr_t index) {
     if (playlistWindow == nullptr) {
         return {};
     }
@@ -98,14 +98,14 @@ std::wstring MainWindow::ChooseItem(int index) {
     return path;
 }
 
-void MainWindow::PlayPlaylistIndex(int index) {
+void MainWindow::PlayPlaylistIndex(std::intptr_t index) {
     const std::wstring path = ChooseItem(index);
     if (!path.empty() && !OpenItem(path)) {
         static_cast<void>(OpenNextItem());
     }
 }
 
-void MainWindow::PlayPlaylistIndexAt(int index, Seconds start) {
+void MainWindow::PlayPlaylistIndexAt(std::intptr_t index, Seconds start) {
     const std::wstring path = ChooseItem(index);
     if (!path.empty() && OpenFile(path) && start > 0.0) {
         engine->Seek(start);

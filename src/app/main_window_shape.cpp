@@ -38,17 +38,22 @@ void MainWindow::OnSize(Size client) {
         titleBar->maximized = IsZoomed(Handle()) != FALSE;
     }
     LayoutChildren();
-    if (engine != nullptr) {
-        engine->RedrawVideo();
-    }
+    RedrawVideo();
     if (!isFullScreen) {
         ShowVideoSize(client);
         PlaceDockedPlaylist();
     }
 }
 
+void MainWindow::RedrawVideo() {
+    if (engine != nullptr) {
+        engine->RedrawVideo();
+    }
+}
+
 void MainWindow::ShowVideoSize(Size client) {
-    if (client.width < 1 || client.height < 1) {
+    // A minimised window may have a client area: it is all that stands of it on the desktop.
+    if (client.width < 1 || client.height < 1 || IsIconic(Handle()) != FALSE) {
         return;
     }
     if (sizeOverlayArmed) {
@@ -77,6 +82,13 @@ void MainWindow::LayoutChildren() {
 }
 
 void MainWindow::Paint() {
+    if (isFullScreen) {
+        // There is no frame, and the style lets painting go over the children.
+        PAINTSTRUCT paint{};
+        BeginPaint(Handle(), &paint);
+        EndPaint(Handle(), &paint);
+        return;
+    }
     // The buffer starts out black: that is the frame, and all else is covered by the children.
     const PaintBuffer buffer(Handle());
 }

@@ -5,12 +5,14 @@
 #include "app/main_window_layout.h"
 #include "app/overlay.h"
 #include "app/window_sizing.h"
+#include "base/display_scale.h"
 #include "base/win32/geometry.h"
 #include "chrome/title_bar.h"
 #include "chrome/toolbar.h"
 #include "engine/player_engine.h"
 #include "playlist_ui/playlist_window.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace brindlecast {
@@ -26,6 +28,17 @@ MONITORINFO NearestMonitor(HWND window) {
     monitor.cbSize = sizeof(monitor);
     GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
     return monitor;
+}
+
+// On the screen; the placement counts from the work area.
+Rect NormalPlace(const WINDOWPLACEMENT& placement) {
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof(monitor);
+    GetMonitorInfoW(MonitorFromRect(&placement.rcNormalPosition, MONITOR_DEFAULTTONEAREST), &monitor);
+    RECT place = placement.rcNormalPosition;
+    OffsetRect(&place, monitor.rcWork.left - monitor.rcMonitor.left,
+               monitor.rcWork.top - monitor.rcMonitor.top);
+    return FromRect(place);
 }
 
 } // namespace
@@ -61,7 +74,10 @@ void MainWindow::ResizeAroundCentre(const std::optional<Size>& size) {
     RECT own{};
     GetWindowRect(Handle(), &own);
     const Rect place = PlaceAroundCentre(FromRect(own), *size, FromRect(NearestMonitor(Handle()).rcWork));
-    SetWindowPos(Handle(), nullptr, place.left, place.top, place.Width(), place.Height(), SWP_NOZORDER);
+    // The system would cut the size to the one that users may draw, which is about that of all monitors; the
+    // smallest one holds all the same.
+    SetWindowPos(Handle(), nullptr, place.left, place.top, std::max(place.Width(), Scaled(kSmallestWidth)),
+                 std::max(place.Height(), Scaled(kSmallestHeight)), SWP_NOZORDER | SWP_NOSENDCHANGING);
 }
 
 void MainWindow::ToggleFullScreen() {
@@ -90,7 +106,7 @@ void MainWindow::EnterFullScreen() {
     const Rect monitor = FromRect(NearestMonitor(Handle()).rcMonitor);
     SetWindowPos(Handle(), HWND_TOPMOST, monitor.left, monitor.top, monitor.Width(), monitor.Height(),
                  SWP_FRAMECHANGED);
-    const FullScreenLayout layout = brindlecast::LayOutFullScreen(monitor, ScaledMetrics());
+    const FullScreenLayout layout = LayOutFullScreen(monitor, ScaledMetrics());
     if (titleBar != nullptr) {
         FloatBar(titleBar->Handle(), layout.titleBar);
         titleBar->fullScreen = true;
@@ -100,6 +116,9 @@ void MainWindow::EnterFullScreen() {
         toolbar->fullScreen = true;
     }
     HidePlaylistForFullScreen();
+    // A window that filled the monitor before gets no new size that would do this.
+    LayoutChildren();
+    RedrawVideo();
     SetTimer(Handle(), kBarsTimer, kBarsPeriod, nullptr);
 }
 
@@ -129,11 +148,13 @@ void MainWindow::LeaveFullScreen() {
     isFullScreen = false;
     fullScreenTitleBarShown = true;
     fullScreenToolbarShown = true;
-    SetWindowLongPtrW(Handle(), GWL_STYLE, savedStyle);
+    const bool wasMaximized = savedPlacement.showCmd == SW_MAXIMIZE;
+    // A window that has the style of a maximised one already would not be maximised.
+    SetWindowLongPtrW(Handle(), GWL_STYLE, wasMaximized ? savedStyle & ~LONG_PTR{WS_MAXIMIZE} : savedStyle);
     SetWindowLongPtrW(Handle(), GWL_EXSTYLE, savedExStyle);
     SetWindowPos(Handle(), HWND_NOTOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_FRAMECHANGED);
-    if (savedPlacement.showCmd == SW_MAXIMIZE) {
-        const Rect normal = FromRect(savedPlacement.rcNormalPosition);
+    if (wasMaximized) {
+        const Rect normal = NormalPlace(savedPlacement);
         SetWindowPos(Handle(), nullptr, normal.left, normal.top, normal.Width(), normal.Height(),
                      SWP_NOZORDER);
         ShowWindow(Handle(), SW_MAXIMIZE);
@@ -141,6 +162,7 @@ void MainWindow::LeaveFullScreen() {
         SetWindowPlacement(Handle(), &savedPlacement);
     }
     LayoutChildren();
+    RedrawVideo();
     BringPlaylistBack();
 }
 

@@ -53,6 +53,7 @@ bool MainWindow::OpenFile(const std::wstring& path) {
         InvalidateRect(videoWindow->Handle(), nullptr, FALSE);
     }
     Play();
+    ShowPlaying();
     ShowOpenFile(file);
     return true;
 }
@@ -78,12 +79,15 @@ void MainWindow::Play() {
     }
     static_cast<void>(engine->Play());
     NotifyOfGraphEvents();
+    if (videoWindow != nullptr) {
+        videoWindow->AttachRenderer();
+    }
+}
+
+void MainWindow::ShowPlaying() {
     if (toolbar != nullptr) {
         toolbar->state.playing = engine->state == kEngineRunning;
         toolbar->Refresh();
-    }
-    if (videoWindow != nullptr) {
-        videoWindow->AttachRenderer();
     }
 }
 
@@ -158,12 +162,8 @@ void MainWindow::TogglePlayPause() {
     } else if (engine->control != nullptr && SUCCEEDED(engine->control->Pause())) {
         engine->state = kEnginePaused;
     }
-    const bool isPlaying = engine->state == kEngineRunning;
-    if (toolbar != nullptr) {
-        toolbar->state.playing = isPlaying;
-        toolbar->Refresh();
-    }
-    ShowOverlayMessage(isPlaying ? texts::kPlaying : texts::kPaused, kStateHold);
+    ShowPlaying();
+    ShowOverlayMessage(engine->state == kEngineRunning ? texts::kPlaying : texts::kPaused, kStateHold);
 }
 
 void MainWindow::StopPlayback() {

@@ -59,7 +59,7 @@ LRESULT VideoWindow::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         return 1;
     }
     case WM_LBUTTONDOWN: OnLeftButtonDown(); return 0;
-    case WM_LBUTTONDBLCLK: SendMessageW(owner, kMessageTogglePlay, 0, 0); return 0;
+    case WM_LBUTTONDBLCLK: OnDoubleClick(); return 0;
     case WM_MOUSEMOVE:
     case WM_RBUTTONUP: return ForwardMouse(message, wParam, lParam);
     case WM_MBUTTONDOWN:
@@ -86,8 +86,7 @@ void VideoWindow::OnLeftButtonDown() {
     const DoubleClickLimits limits{GetDoubleClickTime(), GetSystemMetrics(SM_CXDOUBLECLK),
                                    GetSystemMetrics(SM_CYDOUBLECLK)};
     if (IsDoubleClick(former, press, limits)) {
-        SendMessageW(owner, kMessageTogglePlay, 0, 0);
-        lastClickTick = 0;
+        OnDoubleClick();
         return;
     }
     lastClickTick = press.tick;
@@ -97,6 +96,12 @@ void VideoWindow::OnLeftButtonDown() {
         ReleaseCapture();
         PostMessageW(owner, WM_NCLBUTTONDOWN, HTCAPTION, MAKELPARAM(cursor.x, cursor.y));
     }
+}
+
+// A third press right after is a first one again.
+void VideoWindow::OnDoubleClick() {
+    SendMessageW(owner, kMessageTogglePlay, 0, 0);
+    lastClickTick = 0;
 }
 
 LRESULT VideoWindow::ForwardMouse(UINT message, WPARAM wParam, LPARAM lParam) const {

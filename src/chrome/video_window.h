@@ -33,6 +33,7 @@ private:
 
     void Paint();
     void OnLeftButtonDown();
+    void OnDoubleClick();
     [[nodiscard]] LRESULT ForwardMouse(UINT message, WPARAM wParam, LPARAM lParam) const;
     [[nodiscard]] bool IsOnFrame(LPARAM screenPoint) const;
 

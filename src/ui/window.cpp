@@ -66,7 +66,8 @@ LRESULT CALLBACK Window::Procedure(HWND window, UINT message, WPARAM wParam, LPA
     } catch (...) {
         // The platform can't carry an exception through its own frames.
         Trace(L"[Brindlecast] Exception in a window procedure (message=%u)\n", message);
-        return 0;
+        // A window that could not be made whole is not made.
+        return message == WM_CREATE ? -1 : 0;
     }
 }
 
