@@ -1,7 +1,7 @@
-#include "base/win32/windows_files.h"
-#include "library/playlist_database.h"
+#include "library/sqlite.h"
 #include "tests/e2e/fixture.h"
 #include "tests/e2e/input.h"
+#include "tests/e2e/stored_library.h"
 #include "tests/e2e/waits.h"
 
 #include <filesystem>
@@ -12,14 +12,7 @@ namespace {
 
 class LibraryFileTest : public ProgramTest {
 protected:
-    // What the file holds, read by a connection that is closed at once.
-    static std::vector<std::wstring> RecentFiles() {
-        const SystemClock clock;
-        PlaylistDatabase library(clock, []() -> std::optional<std::wstring> {
-            return std::filesystem::path(LibraryFile()).parent_path().parent_path().wstring();
-        });
-        return library.Open() ? library.LoadRecent() : std::vector<std::wstring>();
-    }
+    static std::vector<std::wstring> RecentFiles() { return StoredLibrary(LibraryFile()).RecentFiles(); }
     static void Break(const std::string& content) {
         std::filesystem::create_directories(std::filesystem::path(LibraryFile()).parent_path());
         std::ofstream(std::filesystem::path(LibraryFile()), std::ios::binary) << content;

@@ -77,15 +77,19 @@ void Player::OpenByDialog(const std::wstring& path) {
 }
 
 void Player::Drop(const std::vector<std::wstring>& paths) {
+    std::wstring names;
+    for (const std::wstring& path : paths) {
+        names += L" \"" + NativePath(path) + L"\"";
+    }
+    DropByNames(names);
+}
+
+void Player::DropByNames(const std::wstring& names) {
     // The X11 window that stands behind ours: drops come from the host's desktop.
     const auto hostWindow =
         static_cast<unsigned>(reinterpret_cast<UINT_PTR>(GetPropW(mainWindow, L"__wine_x11_whole_window")));
     ASSERT_NE(hostWindow, 0U);
-    std::wstring arguments = std::to_wstring(hostWindow);
-    for (const std::wstring& path : paths) {
-        arguments += L" \"" + NativePath(path) + L"\"";
-    }
-    ASSERT_TRUE(StartNative(NativeTool(L"xdnd_source"), arguments));
+    ASSERT_TRUE(StartNative(NativeTool(L"xdnd_source"), std::to_wstring(hostWindow) + L" " + names));
 }
 
 bool Player::Play(const Film& film) {

@@ -43,6 +43,8 @@ public:
     void OpenByDialog(const std::wstring& path);
     // Drops files onto the picture as a file manager would.
     void Drop(const std::vector<std::wstring>& paths);
+    // The same for files of the current directory, with their names as on a command line.
+    void DropByNames(const std::wstring& names);
     // Drops a film and waits until its picture moves.
     [[nodiscard]] bool Play(const Film& film);
     // Sends the main window a message; what it answers, or nothing when it does not within the reaction
