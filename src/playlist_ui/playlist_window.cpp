@@ -46,7 +46,7 @@ Rect RectOf(HWND window) {
 
 } // namespace
 
-PlaylistWindow::PlaylistWindow(PlaylistServices services)
+PlaylistWindow::PlaylistWindow(const PlaylistServices& services)
     : model(services), database(services.database), backgroundBrush(CreateSolidBrush(kBackground)) {}
 
 PlaylistWindow::~PlaylistWindow() {
@@ -107,16 +107,17 @@ FavoriteStart PlaylistWindow::AdvanceFavorite() {
     if (!groupQueueActive) {
         return {};
     }
+    const std::vector<FavoriteItem> none;
     const FavoriteGroup* group = FavoritesDatabase::Instance().GroupAt(selectedGroup);
+    const std::vector<FavoriteItem>& items = group != nullptr ? group->items : none;
     FavoritesWalk walk{groupQueueActive, groupQueuePosition};
-    const auto item = AdvanceWalk(walk, favoriteRows, group != nullptr ? group->items.size() : 0);
+    const auto item = AdvanceWalk(walk, favoriteRows, items.size());
     groupQueueActive = walk.active;
     groupQueuePosition = walk.row;
     if (!item.has_value()) {
         return {};
     }
-    const FavoriteItem& next = group->items[*item];
-    return {next.file_path, next.position};
+    return {items[*item].file_path, items[*item].position};
 }
 
 LRESULT PlaylistWindow::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {

@@ -26,7 +26,7 @@ struct FavoriteStart {
 class PlaylistWindow final : public Window {
 public:
     // What the services refer to must outlive the window.
-    explicit PlaylistWindow(PlaylistServices services);
+    explicit PlaylistWindow(const PlaylistServices& services);
     // Destroys the window if it still exists. The stored list stays as it is.
     ~PlaylistWindow() override;
 
