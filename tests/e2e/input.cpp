@@ -58,10 +58,18 @@ void MoveCursor(Point screenPoint) {
     Send(input);
 }
 
-void Click(Point screenPoint) {
+void PressLeft(Point screenPoint) {
     MoveCursor(screenPoint);
     Send(Mouse(MOUSEEVENTF_LEFTDOWN));
+}
+
+void ReleaseLeft() {
     Send(Mouse(MOUSEEVENTF_LEFTUP));
+}
+
+void Click(Point screenPoint) {
+    PressLeft(screenPoint);
+    ReleaseLeft();
 }
 
 void DoubleClick(Point screenPoint) {
@@ -69,15 +77,20 @@ void DoubleClick(Point screenPoint) {
     Click(screenPoint);
 }
 
+void ClickMiddle(Point screenPoint) {
+    MoveCursor(screenPoint);
+    Send(Mouse(MOUSEEVENTF_MIDDLEDOWN));
+    Send(Mouse(MOUSEEVENTF_MIDDLEUP));
+}
+
 void Drag(Point from, Point to) {
     constexpr int kSteps = 8;
-    MoveCursor(from);
-    Send(Mouse(MOUSEEVENTF_LEFTDOWN));
+    PressLeft(from);
     for (int step = 1; step <= kSteps; ++step) {
         MoveCursor({from.x + (to.x - from.x) * step / kSteps, from.y + (to.y - from.y) * step / kSteps});
         LetPlay(kBetweenInputs);
     }
-    Send(Mouse(MOUSEEVENTF_LEFTUP));
+    ReleaseLeft();
 }
 
 void TurnWheel(Point screenPoint, int notches) {

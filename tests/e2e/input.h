@@ -16,6 +16,10 @@ void TypeText(const std::wstring& text);
 void MoveCursor(Point screenPoint);
 void Click(Point screenPoint);
 void DoubleClick(Point screenPoint);
+void ClickMiddle(Point screenPoint);
+// A press that is held until the release; the cursor may be moved in between.
+void PressLeft(Point screenPoint);
+void ReleaseLeft();
 // Presses at the first point, moves in steps, and lets go at the second.
 void Drag(Point from, Point to);
 void TurnWheel(Point screenPoint, int notches);

@@ -1,6 +1,7 @@
 #include "base/win32/unique_handle.h"
 #include "tests/e2e/fixture.h"
 #include "tests/e2e/input.h"
+#include "tests/e2e/message_picture.h"
 #include "tests/e2e/waits.h"
 #include "ui/messages.h"
 
@@ -44,6 +45,8 @@ TEST_F(WindowTest, ADrawnEdgeResizesAndThePictureKeepsItsShape) {
     const Rect picture = player.PictureOnScreen(kFilm);
     ASSERT_GT(picture.top, video.top + 50) << "a narrow window has bars above and below";
     EXPECT_NEAR(picture.Width() * 9.0 / 16.0, picture.Height(), 1.0);
+    ASSERT_TRUE(WaitUntil(limits::kReaction, "the end of the message",
+                          [&] { return VisibleMessageWindow(player) == nullptr; }));
     const Photograph photograph = PhotographScreen(video);
     EXPECT_GT(photograph.BlackShare({0, 0, video.Width(), picture.top - video.top - 1}), 0.999);
     EXPECT_GT(photograph.BlackShare({0, picture.bottom - video.top + 1, video.Width(), video.Height()}),
@@ -106,6 +109,29 @@ TEST_F(WindowTest, EscapeMinimises) {
     PressKey(VK_ESCAPE);
     EXPECT_TRUE(
         WaitUntil(limits::kReaction, "minimising", [&] { return IsIconic(player.MainWindow()) != FALSE; }));
+    EXPECT_EQ(player.Close(), 0U);
+}
+
+TEST_F(WindowTest, ADoubleClickTogglesOnceAndAThirdPressDoesNotCount) {
+    Player player;
+    ASSERT_TRUE(player.Play(kFilm));
+    player.Activate();
+    const Rect before = ScreenRectOf(player.MainWindow());
+    const Point middle = MiddleOf(ScreenRectOf(player.VideoWindow()));
+    DoubleClick(middle);
+    Click(middle);
+    EXPECT_TRUE(player.WaitForStandstill(kFilm).has_value()) << "paused once, and not played on by the third";
+    EXPECT_TRUE(player.IsOpen());
+    LetPlay(std::chrono::milliseconds(GetDoubleClickTime() + 100));
+    Click(middle);
+    EXPECT_TRUE(player.WaitForStandstill(kFilm).has_value()) << "one press alone changes nothing";
+    LetPlay(std::chrono::milliseconds(GetDoubleClickTime() + 100));
+    const std::optional<int> paused = player.FrameOnScreen(kFilm);
+    ASSERT_TRUE(paused.has_value());
+    DoubleClick(middle);
+    EXPECT_TRUE(WaitUntil(limits::kReaction, "playing on",
+                          [&] { return player.FrameOnScreen(kFilm).value_or(0) > *paused + 5; }));
+    EXPECT_EQ(ScreenRectOf(player.MainWindow()), before) << "presses without a move leave the window";
     EXPECT_EQ(player.Close(), 0U);
 }
 
