@@ -43,6 +43,13 @@ void PressKey(WORD virtualKey) {
     Send(Key(virtualKey, scanCode, KEYEVENTF_KEYUP));
 }
 
+void PressKeyWith(WORD modifier, WORD virtualKey) {
+    const auto scanCode = static_cast<wchar_t>(MapVirtualKeyW(modifier, MAPVK_VK_TO_VSC));
+    Send(Key(modifier, scanCode, 0));
+    PressKey(virtualKey);
+    Send(Key(modifier, scanCode, KEYEVENTF_KEYUP));
+}
+
 void TypeText(const std::wstring& text) {
     for (const wchar_t unit : text) {
         Send(Key(0, unit, KEYEVENTF_UNICODE));

@@ -11,6 +11,8 @@ namespace brindlecast::testing {
 // Keys and mouse as a user gives them: they go to whatever has the focus or lies under the cursor.
 
 void PressKey(WORD virtualKey);
+// The same while the modifier, such as VK_CONTROL, is held.
+void PressKeyWith(WORD modifier, WORD virtualKey);
 void TypeText(const std::wstring& text);
 
 void MoveCursor(Point screenPoint);
