@@ -1,47 +1,14 @@
-#include "app/main_window.h"
-#include "tests/graph/graph_fixture.h"
-#include "ui/messages.h"
-
-#include <shlobj.h>
-
-#include <cstring>
+#include "tests/graph/main_window_fixture.h"
 
 // The main window over an engine whose graph is rebuilt while it starts to play.
 
 namespace brindlecast::testing {
 namespace {
 
-constexpr DWORD kLongestWait = 5000; // milliseconds
-
-class MainWindowTransport : public GraphTest {
+class MainWindowTransport : public MainWindowTest {
 protected:
-    MainWindowTransport() {
-        settings.values[L"LAV_HWAccel"] = std::uint32_t{3};
-        SetNumber("MpcVideoRenderer64.makesWindow", 1);
-        window = std::make_unique<MainWindow>(settings);
-    }
-    void SetUp() override { ASSERT_TRUE(window->Create(GetModuleHandleW(nullptr))); }
-    void TearDown() override {
-        window.reset();
-        // What the window leaves in the queue is nobody's.
-        MSG message{};
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
-        }
-        GraphTest::TearDown();
-    }
+    MainWindowTransport() { settings.values[L"LAV_HWAccel"] = std::uint32_t{3}; }
 
-    // Opens a file as if it had been dropped on the window.
-    void Drop(const std::wstring& path) {
-        const std::size_t bytes = sizeof(DROPFILES) + (path.size() + 2) * sizeof(wchar_t);
-        // Freed by whoever it is dropped on.
-        const HGLOBAL drop = GlobalAlloc(GHND, bytes);
-        auto* const files = static_cast<DROPFILES*>(GlobalLock(drop));
-        files->pFiles = sizeof(DROPFILES);
-        files->fWide = TRUE;
-        std::memcpy(files + 1, path.data(), path.size() * sizeof(wchar_t));
-        GlobalUnlock(drop);
-        SendMessageW(window->Handle(), WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
-    }
     // The film stays open and stopped.
     void DropWithoutPlaying() {
         SetNumber("LAVVideo.pause", E_FAIL);
@@ -49,34 +16,15 @@ protected:
         ASSERT_FALSE(IsPlaying());
         SetNumber("LAVVideo.pause", 0);
     }
-    void TogglePlay() { SendMessageW(window->Handle(), kMessageTogglePlay, 0, 0); }
-    bool IsPlaying() { return SendMessageW(window->Handle(), kMessageIsPlaying, 0, 0) != 0; }
-
-    void HandleMessages() {
-        MSG message{};
-        while (PeekMessageW(&message, window->Handle(), 0, 0, PM_REMOVE) != FALSE) {
-            DispatchMessageW(&message);
-        }
-    }
     // Handles messages until the window is no longer playing.
     bool StopsByItself() {
-        const ULONGLONG begin = GetTickCount64();
-        while (IsPlaying()) {
-            const ULONGLONG passed = GetTickCount64() - begin;
-            if (passed >= kLongestWait) {
-                return false;
-            }
-            MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(kLongestWait - passed),
-                                      QS_ALLINPUT);
-            HandleMessages();
-        }
-        return true;
+        return HandleMessagesUntil([this] { return !IsPlaying(); });
     }
     // Lets the graph that runs now report its end, of which only its own message tells the window.
     bool StopsAtItsEnd() {
         HandleMessages();
         EXPECT_TRUE(IsPlaying());
-        LetFilesEnd();
+        LetFilesEnd(true);
         // A seek makes the renderers run anew.
         SendMessageW(window->Handle(), kMessageStepForward, 0, 0);
         return StopsByItself();
@@ -91,13 +39,6 @@ protected:
         return SendMessageW(child, WM_NCHITTEST, 0, MAKELPARAM(frame.left, frame.top)) == HTTRANSPARENT;
     }
     static Lines Given() { return CallsOf(L"LAVVideo.SetHWAccel("); }
-    // The renderers of graphs that begin to run from now on report the end of the file at once.
-    void LetFilesEnd() {
-        SetNumber("MpcVideoRenderer64.completes", 1);
-        SetNumber("AudioRenderer.completes", 1);
-    }
-
-    std::unique_ptr<MainWindow> window;
 };
 
 TEST_F(MainWindowTransport, AFileThatEndsIsStopped) {
@@ -136,7 +77,7 @@ TEST_F(MainWindowTransport, WhatEndedBeforeTheWindowWasNamedIsNotMissed) {
     DropWithoutPlaying();
     HandleMessages();
     SetNumber("LAVVideo.pauseExceptMethod5", E_OUTOFMEMORY);
-    LetFilesEnd();
+    LetFilesEnd(true);
     TogglePlay();
     EXPECT_TRUE(StopsByItself());
 }
