@@ -6,6 +6,7 @@
 #include "filters/splitter/splitter_settings.h"
 
 #include <array>
+#include <mutex>
 #include <set>
 
 namespace brindlecast {
@@ -79,6 +80,8 @@ private:
     void Restart();
     void ReadFile() noexcept;
     void ReadPackets();
+    [[nodiscard]] BasePin::Segment RequestedSegment() const;
+    void Request(const BasePin::Segment& requested);
     [[nodiscard]] BasePin::Segment RunningSegment() const;
     [[nodiscard]] REFERENCE_TIME StreamTime();
     HRESULT SwitchStream(SplitterPin& pin, int stream);
@@ -93,9 +96,12 @@ private:
     bool streaming = false;
     bool placed = true; // the file stands where the segment starts
 
-    BasePin::Segment segment;     // stop 0: none was set
-    REFERENCE_TIME pausedAt = 0;  // stream time while paused
-    std::set<const void*> askers; // who has asked for the present segment
+    // Positions are asked for on streaming threads too, a renderer's at its end for example, while a seek
+    // that holds the state lock waits for those threads: what answers them has a lock of its own.
+    mutable std::mutex segmentLock;          // leaf lock
+    BasePin::Segment segment;                // stop 0: none was set; written by control calls alone
+    std::atomic<REFERENCE_TIME> pausedAt{0}; // stream time while paused
+    std::set<const void*> askers;            // who has asked for the present segment
     std::atomic<DemuxTime> duration{0};
 };
 

@@ -38,8 +38,18 @@ STDMETHODIMP SplitterFilter::Stop() {
     });
 }
 
+BasePin::Segment SplitterFilter::RequestedSegment() const {
+    const std::lock_guard lock(segmentLock);
+    return segment;
+}
+
+void SplitterFilter::Request(const BasePin::Segment& requested) {
+    const std::lock_guard lock(segmentLock);
+    segment = requested;
+}
+
 BasePin::Segment SplitterFilter::RunningSegment() const {
-    BasePin::Segment running = segment;
+    BasePin::Segment running = RequestedSegment();
     if (running.stop <= 0) {
         running.stop = std::numeric_limits<REFERENCE_TIME>::max() / 2; // to the end, however long that is
     }
@@ -49,7 +59,7 @@ BasePin::Segment SplitterFilter::RunningSegment() const {
 void SplitterFilter::StartStreaming() {
     if (!placed) {
         const int video = EnabledStream(StreamKind::Video);
-        file->Seek(segment.start, video >= 0 ? video : EnabledStream(StreamKind::Audio));
+        file->Seek(RequestedSegment().start, video >= 0 ? video : EnabledStream(StreamKind::Audio));
     }
     placed = false; // reading moves it
     const BasePin::Segment running = RunningSegment();
@@ -115,7 +125,7 @@ void SplitterFilter::ReadPackets() {
 
 REFERENCE_TIME SplitterFilter::StreamTime() {
     if (State() != State_Running) {
-        return State() == State_Paused ? pausedAt : 0;
+        return State() == State_Paused ? pausedAt.load() : 0;
     }
     const Microsoft::WRL::ComPtr<IReferenceClock> clock = Clock();
     REFERENCE_TIME now = 0;
@@ -126,8 +136,9 @@ REFERENCE_TIME SplitterFilter::StreamTime() {
     for (const StreamKind kind : {StreamKind::Video, StreamKind::Audio}) {
         const SplitterPin* pin = PinOf(kind);
         if (pin != nullptr && pin->IsDelivering()) {
-            return static_cast<REFERENCE_TIME>(static_cast<double>(pin->DeliveredUpTo() - segment.start) /
-                                               segment.rate);
+            const BasePin::Segment requested = RequestedSegment();
+            return static_cast<REFERENCE_TIME>(static_cast<double>(pin->DeliveredUpTo() - requested.start) /
+                                               requested.rate);
         }
     }
     return 0;
@@ -138,20 +149,19 @@ LONGLONG SplitterFilter::SeekDuration() {
 }
 
 LONGLONG SplitterFilter::SeekPosition() {
-    const std::lock_guard lock(StateLock());
-    const auto passed = static_cast<LONGLONG>(static_cast<double>(StreamTime()) * segment.rate);
-    const LONGLONG position = segment.start + passed;
+    const BasePin::Segment requested = RequestedSegment();
+    const auto passed = static_cast<LONGLONG>(static_cast<double>(StreamTime()) * requested.rate);
+    const LONGLONG position = requested.start + passed;
     return duration > 0 ? std::min<LONGLONG>(position, duration) : position;
 }
 
 LONGLONG SplitterFilter::SeekStop() {
-    const std::lock_guard lock(StateLock());
-    return segment.stop > 0 ? segment.stop : duration.load();
+    const LONGLONG stop = RequestedSegment().stop;
+    return stop > 0 ? stop : duration.load();
 }
 
 double SplitterFilter::SeekRate() {
-    const std::lock_guard lock(StateLock());
-    return segment.rate;
+    return RequestedSegment().rate;
 }
 
 LONGLONG SplitterFilter::KeyframeBefore(LONGLONG time) {
@@ -166,7 +176,8 @@ LONGLONG SplitterFilter::KeyframeBefore(LONGLONG time) {
 
 HRESULT SplitterFilter::SeekTo(const void* asker, const LONGLONG* start, const LONGLONG* stop) {
     const std::lock_guard lock(StateLock());
-    BasePin::Segment wanted = segment;
+    const BasePin::Segment present = RequestedSegment();
+    BasePin::Segment wanted = present;
     if (start != nullptr) {
         wanted.start = std::clamp<LONGLONG>(*start, 0,
                                             duration > 0 ? duration.load()
@@ -177,15 +188,15 @@ HRESULT SplitterFilter::SeekTo(const void* asker, const LONGLONG* start, const L
         wanted.stop = duration > 0 && *stop >= duration ? 0 : std::max<LONGLONG>(*stop, 0);
     }
     if (start == nullptr) {
-        segment.stop = wanted.stop;
+        Request(wanted);
         return S_OK; // a new end alone: from the next start on
     }
-    const bool same = wanted.start == segment.start && wanted.stop == segment.stop;
+    const bool same = wanted.start == present.start && wanted.stop == present.stop;
     if (same && !askers.empty() && askers.insert(asker).second) {
         return S_OK; // one seek that arrives through another object
     }
     askers = {asker};
-    segment = wanted;
+    Request(wanted);
     placed = false;
     if (streaming) {
         Restart();
@@ -200,16 +211,19 @@ HRESULT SplitterFilter::ChangeRate(double rate) {
         return E_INVALIDARG;
     }
     const std::lock_guard lock(StateLock());
-    if (rate == segment.rate) {
+    BasePin::Segment wanted = RequestedSegment();
+    if (rate == wanted.rate) {
         return S_OK;
     }
     const LONGLONG position = SeekPosition();
     askers.clear();
-    segment.rate = rate;
+    wanted.rate = rate;
     if (!streaming) {
+        Request(wanted);
         return S_OK;
     }
-    segment.start = position;
+    wanted.start = position;
+    Request(wanted);
     placed = false;
     Restart();
     return S_OK;
@@ -230,8 +244,8 @@ void SplitterFilter::OnDisconnectedWhileActive(SplitterPin& pin) {
 }
 
 void SplitterFilter::OnDelivered() {
-    // Runs on delivery threads, which must not take the state lock: the clock and the start time are safe to
-    // ask, the segment does not change while these threads run.
+    // Runs on delivery threads, which must not take the state lock: the clock, the start time and the segment
+    // are safe to ask.
     const SplitterPin* sound = PinOf(StreamKind::Audio);
     if (sound == nullptr) {
         return;
@@ -240,8 +254,9 @@ void SplitterFilter::OnDelivered() {
     REFERENCE_TIME now = 0;
     if (State() == State_Running && clock && SUCCEEDED(clock->GetTime(&now))) {
         const auto passed = std::max<REFERENCE_TIME>(now - StartTime(), 0);
-        queues.SetPlayPosition(segment.start +
-                               static_cast<DemuxTime>(static_cast<double>(passed) * segment.rate));
+        const BasePin::Segment requested = RequestedSegment();
+        queues.SetPlayPosition(requested.start +
+                               static_cast<DemuxTime>(static_cast<double>(passed) * requested.rate));
     } else if (!clock) {
         SplitterPin* leading = PinOf(StreamKind::Video);
         const bool byVideo = leading != nullptr && leading->IsConnected();

@@ -1,6 +1,8 @@
 #include "tests/filters/splitter/splitter_fixture.h"
 
 #include <algorithm>
+#include <chrono>
+#include <future>
 
 namespace brindlecast {
 namespace {
@@ -265,6 +267,35 @@ TEST(SplitterRate, AChangeWhileActiveRestartsOnceWhereItWas) {
     double rate = 0;
     EXPECT_EQ(rig.seeking->GetRate(&rate), S_OK);
     EXPECT_EQ(rate, 1.5);
+}
+
+// Renderers ask the source for its positions on the thread that brings them the end, and a seek waits for
+// that thread.
+TEST(SplitterSeek, PositionsAreAnsweredToAStreamingThreadThatASeekWaitsFor) {
+    SplitterRig rig;
+    rig.Open(L"silent.mp4");
+    std::future<LONGLONG> question;
+    bool wasAnswered = false;
+    rig.video->AtEndOfStream([&] {
+        if (question.valid() || !rig.video->WaitForCount(Kind::BeginFlush, 1)) {
+            return;
+        }
+        question = std::async(std::launch::async, [&] {
+            LONGLONG stop = 0;
+            LONGLONG current = 0;
+            double rate = 0.0;
+            rig.seeking->GetStopPosition(&stop);
+            rig.seeking->GetPositions(&current, nullptr);
+            rig.seeking->GetRate(&rate);
+            return stop;
+        });
+        wasAnswered = question.wait_for(std::chrono::seconds(2)) == std::future_status::ready;
+    });
+    ASSERT_TRUE(SUCCEEDED(rig.graph->Pause()));
+    ASSERT_TRUE(rig.video->WaitForCount(Kind::EndOfStream, 1));
+    ASSERT_EQ(rig.Seek(4 * kSecond), S_OK);
+    EXPECT_TRUE(wasAnswered);
+    EXPECT_GT(question.get(), 0);
 }
 
 } // namespace

@@ -63,6 +63,9 @@ protected:
     HRESULT OnFormatChange(const MediaType&) override { return S_OK; }
     HRESULT OnEndOfStream() override {
         sink_.Write({Kind::EndOfStream, {}, {}, GetCurrentThreadId()});
+        if (sink_.atEndOfStream_) {
+            sink_.atEndOfStream_();
+        }
         if (sink_.State() == State_Running)
             sink_.BaseFilter::Notify(EC_COMPLETE, S_OK,
                                      reinterpret_cast<LONG_PTR>(static_cast<IBaseFilter*>(&sink_)));

@@ -46,6 +46,9 @@ public:
     void Block(bool block);
     // What Receive answers instead of taking the sample, until S_OK.
     void Refuse(HRESULT result);
+    // What the streaming thread does when it brings the end of the stream, once it is written down. Set
+    // before the stream runs.
+    void AtEndOfStream(std::function<void()> action) { atEndOfStream_ = std::move(action); }
     // Whether sample bytes are kept (default true).
     void KeepBytes(bool keep) { keepBytes_ = keep; }
 
@@ -77,6 +80,7 @@ private:
     const std::function<bool(const MediaType&)> accepts_;
     Inlet* pin_ = nullptr; // owned by the list of pins
     std::atomic<bool> keepBytes_{true};
+    std::function<void()> atEndOfStream_;
 
     std::mutex mutex_;
     std::condition_variable changed_;
