@@ -132,8 +132,9 @@ std::wstring FormatReal(const Conversion& conversion, double value) {
     }
     // The largest double has 309 digits before the point.
     std::array<char, 320 + kLargestField> buffer{};
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), magnitude,
-                                   std::chars_format::fixed, conversion.precision.value_or(6))
+    const auto form = conversion.letter == L'g' ? std::chars_format::general : std::chars_format::fixed;
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), magnitude, form,
+                                   conversion.precision.value_or(6))
                          .ptr;
     return Pad(conversion, Sign(conversion, negative), Widen(buffer.data(), end), true);
 }
@@ -161,6 +162,7 @@ std::optional<std::wstring> Format(const Conversion& conversion, const FormatArg
                                            std::wstring(1, static_cast<wchar_t>(Unsigned(argument))), false))
                        : std::nullopt;
     case L'f':
+    case L'g':
         return argument.kind == Kind::Real ? std::optional(FormatReal(conversion, argument.realValue))
                                            : std::nullopt;
     case L's':

@@ -43,7 +43,7 @@ public:
     std::wstring_view text;
 };
 
-// Formats with the printf conversions d, i, u, x, X, c, f, s, p and %%, the flags '-', '+', ' ' and '0',
+// Formats with the printf conversions d, i, u, x, X, c, f, g, s, p and %%, the flags '-', '+', ' ' and '0',
 // width and precision; length modifiers are read and passed over, because an argument knows its own size. The
 // result is the same on every platform and in every locale. A conversion without an argument, or with one of
 // another kind, stands in the result as it is written, so that a mistake shows and nothing is undefined. A

@@ -38,6 +38,37 @@ TEST(FormatText, RealNumbersRoundToTheirPrecision) {
     EXPECT_EQ(FormatText(L"%.1000f", std::numeric_limits<double>::max()).size(), 309U + 1U + 1000U);
 }
 
+TEST(FormatText, GeneralRealNumbersHaveSixSignificantDigitsAndNoZerosBehind) {
+    EXPECT_EQ(FormatText(L"%g", 0.0), L"0");
+    EXPECT_EQ(FormatText(L"%g", -0.0), L"-0");
+    EXPECT_EQ(FormatText(L"%g", 2.5), L"2.5");
+    EXPECT_EQ(FormatText(L"%g", 0.4), L"0.4");
+    EXPECT_EQ(FormatText(L"%g", 2.0 / 3.0), L"0.666667");
+    EXPECT_EQ(FormatText(L"%g", -2.0 / 3.0), L"-0.666667");
+    EXPECT_EQ(FormatText(L"%g", 123456.0), L"123456");
+    EXPECT_EQ(FormatText(L"%g", 12345.678), L"12345.7");
+    EXPECT_EQ(FormatText(L"%g", 0.0001), L"0.0001");
+}
+
+TEST(FormatText, GeneralRealNumbersTakeAnExponentOutsideTheirDigits) {
+    EXPECT_EQ(FormatText(L"%g", 999999.4), L"999999");
+    EXPECT_EQ(FormatText(L"%g", 999999.5), L"1e+06");
+    EXPECT_EQ(FormatText(L"%g", 1234567.0), L"1.23457e+06");
+    EXPECT_EQ(FormatText(L"%g", 0.00001), L"1e-05");
+    EXPECT_EQ(FormatText(L"%g", -0.000012345), L"-1.2345e-05");
+    EXPECT_EQ(FormatText(L"%g", 1e100), L"1e+100");
+    EXPECT_EQ(FormatText(L"%g", std::numeric_limits<double>::max()), L"1.79769e+308");
+    EXPECT_EQ(FormatText(L"%g", std::numeric_limits<double>::min()), L"2.22507e-308");
+    EXPECT_EQ(FormatText(L"%g", -std::numeric_limits<double>::infinity()), L"-inf");
+}
+
+TEST(FormatText, GeneralRealNumbersTakeWidthFlagsAndPrecision) {
+    EXPECT_EQ(FormatText(L"%.3g|%.0g|%.2g", 1234.5, 2.0, 0.5), L"1.23e+03|2|0.5");
+    EXPECT_EQ(FormatText(L"[%6g][%-6g][%+g][%06g]", 2.5, 2.5, 2.5, -2.5), L"[   2.5][2.5   ][+2.5][-002.5]");
+    EXPECT_EQ(FormatText(L"%.1000g", std::numeric_limits<double>::max()).size(), 309U);
+    EXPECT_EQ(FormatText(L"%g", 1), L"%g");
+}
+
 TEST(FormatText, TextsAndANullPointer) {
     const wchar_t* none = nullptr;
     EXPECT_EQ(FormatText(L"%s|%s", L"한국어", none), L"한국어|(null)");
