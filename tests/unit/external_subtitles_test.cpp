@@ -51,6 +51,41 @@ TEST(ExternalSubtitles, AHitDoesNotEndTheSearch) {
     EXPECT_EQ(kAllOfMovie, files.Find(L"m.mp4"));
 }
 
+TEST(ExternalSubtitles, EachCandidateIsFoundByItself) {
+    for (const std::wstring& candidate : kAllOfMovie) {
+        FakeFiles files{{candidate}, {}};
+        EXPECT_EQ(Paths{candidate}, files.Find(L"m.mkv"));
+        EXPECT_EQ(kAllOfMovie, files.asked);
+    }
+}
+
+TEST(ExternalSubtitles, OfTwoTheEarlierCandidateWins) {
+    for (std::size_t earlier = 0; earlier < kAllOfMovie.size(); ++earlier) {
+        for (std::size_t later = earlier + 1; later < kAllOfMovie.size(); ++later) {
+            FakeFiles files{{kAllOfMovie[later], kAllOfMovie[earlier]}, {}};
+            EXPECT_EQ((Paths{kAllOfMovie[earlier], kAllOfMovie[later]}), files.Find(L"m.mkv"));
+        }
+    }
+}
+
+TEST(ExternalSubtitles, OtherSubtitleFilesAreNoCandidates) {
+    FakeFiles files{
+        {L"m.sami", L"m.idx", L"m.sup", L"m.txt", L"m.fr.srt", L"m.ko.en.srt", L"m.mkv.srt", L"other.srt"},
+        {}};
+    EXPECT_EQ(Paths{}, files.Find(L"m.mkv"));
+}
+
+TEST(ExternalSubtitles, TheNameKeepsItsLetters) {
+    FakeFiles files{{L"Movie.srt", L"movie.srt", L"Movie.SRT", L"Movie.KO.srt"}, {}};
+    EXPECT_EQ((Paths{L"Movie.srt"}), files.Find(L"Movie.MKV"));
+}
+
+TEST(ExternalSubtitles, AnyExtensionIsCutOffEvenASubtitles) {
+    FakeFiles files{{L"m.srt", L"m.ko.srt"}, {}};
+    EXPECT_EQ((Paths{L"m.srt", L"m.ko.srt"}), files.Find(L"m.srt"));
+    EXPECT_EQ((Paths{L"m.srt", L"m.ko.srt"}), files.Find(L"m."));
+}
+
 TEST(ExternalSubtitles, ATaggedSubRipFileBeatsTheAssFile) {
     FakeFiles files{{L"m.mkv", L"m.ass", L"m.en.srt"}, {}};
     EXPECT_EQ((Paths{L"m.en.srt", L"m.ass"}), files.Find(L"m.mkv"));
