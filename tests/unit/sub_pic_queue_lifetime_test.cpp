@@ -243,12 +243,18 @@ TEST(SubPicQueueThreads, DrawingGoesOnWhileAnotherThreadChangesEverything) {
     std::atomic<bool> stop{false};
     std::atomic<int> drawn{0};
     auto wrong = std::async(std::launch::async, [&] { return DrawFrames(*queue, stop, drawn); });
+    // By itself: next to calls that lock, a store without a lock would hardly ever be seen.
+    const auto storing = std::async(std::launch::async, [&] {
+        for (int round = 0; !stop; ++round) {
+            queue->SetTime(round);
+            queue->SetFPS(round % 2 == 0 ? 24.0 : 25.0);
+            std::this_thread::yield();
+        }
+    });
     for (int round = 0; round < kRounds || drawn < kRounds; ++round) {
         // The provider's lock is given back before the queue's is taken.
         provider->SetShift(round % 2 == 0 ? 99 : 0);
         queue->InvalidateAll();
-        queue->SetTime(round);
-        queue->SetFPS(round % 2 == 0 ? 24.0 : 25.0);
         EXPECT_LE(queue->GetQueueCount(), 10);
         if (round % 8 == 0) {
             queue->SetSubPicProvider(provider.get());
@@ -260,6 +266,7 @@ TEST(SubPicQueueThreads, DrawingGoesOnWhileAnotherThreadChangesEverything) {
     }
     stop = true;
     EXPECT_EQ(wrong.get(), 0);
+    storing.wait();
     EXPECT_EQ(ReferencesOf(*provider), 2U);
     EXPECT_EQ(ReferencesOf(*queue), 1U);
 }
