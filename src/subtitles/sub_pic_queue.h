@@ -44,8 +44,8 @@ private:
     [[nodiscard]] bool Draw(ISubPic& picture, Time100ns rt) const;
     [[nodiscard]] ISubPic* Keep(Picture picture);
 
-    // Held over a whole lookup with its rendering, and therefore before the provider's own lock: whoever
-    // holds that one calls nothing here. Guards everything below.
+    // Held over a whole lookup with its rendering, and therefore taken before the provider's own lock:
+    // whoever holds that one alone calls nothing here. Guards everything below.
     std::recursive_mutex mutex;
     ComReference<ISubPicAllocator> allocator;
     ComReference<ISubPicProvider> provider;

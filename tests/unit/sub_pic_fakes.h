@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -37,8 +38,10 @@ public:
     SubPicPosition STDMETHODCALLTYPE GetStartPosition(Time100ns rt, double fps) override {
         const auto found =
             std::find_if(events.begin(), events.end(), [rt](const Event& event) { return event.stop > rt; });
+        const SubPicPosition position =
+            found == events.end() ? 0 : static_cast<SubPicPosition>(found - events.begin() + 1);
         return Note("provider GetStartPosition " + std::to_string(rt) + FpsText(fps),
-                    found == events.end() ? 0 : static_cast<SubPicPosition>(found - events.begin() + 1));
+                    forcedPosition.value_or(position));
     }
     SubPicPosition STDMETHODCALLTYPE GetNext(SubPicPosition) override {
         return Note("provider GetNext", SubPicPosition{0});
@@ -69,7 +72,8 @@ public:
     }
     STDMETHODIMP Reserved1(std::uint32_t*) override { return Note("provider Reserved1", S_OK); }
 
-    std::vector<Event> events; // in the order of their starts
+    std::vector<Event> events;                    // in the order of their starts
+    std::optional<SubPicPosition> forcedPosition; // answered whatever the time
     HRESULT renderResult = S_OK;
     Rect box{1, 2, 3, 4};
     std::function<void()> whileRendering;

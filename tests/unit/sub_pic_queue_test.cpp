@@ -146,11 +146,15 @@ TEST_F(SubPicQueue, BehindTheLastEventTheProviderIsAskedOnce) {
               (CallList{"provider Lock", "provider GetStartPosition 50 at 25.000", "provider Unlock"}));
 }
 
-// The provider's answer need not fit the time it was asked for.
-TEST_F(SubPicQueue, AnEventThatEndsAtTheTimeGivesNothing) {
-    provider->events = {{40, 50}, {60, 55}};
-    EXPECT_EQ(Lookup(52), 0);
+// The provider is not trusted to answer with an event of the time it was asked for.
+TEST_F(SubPicQueue, AnEventOfAnotherTimeGivesNothing) {
+    provider->forcedPosition = 2;
+    EXPECT_EQ(Lookup(19), 0);
+    EXPECT_EQ(Lookup(30), 0);
+    EXPECT_EQ(Lookup(31), 0);
     EXPECT_EQ(allocator->made, 0);
+    EXPECT_EQ(Lookup(20), 1);
+    EXPECT_EQ(Lookup(29), 1);
 }
 
 TEST_F(SubPicQueue, WithoutMemoryThereIsNoPicture) {
