@@ -28,11 +28,6 @@ protected:
         EXPECT_EQ(StyleOf(window) & ~kAddedStyle, 0x90000000U);
         EXPECT_EQ(ExtendedStyleOf(window), DWORD{WS_EX_TOPMOST});
     }
-
-    static bool NoMessageShows(const Player& player) {
-        return WaitUntil(limits::kReaction, "the end of a message",
-                         [&] { return VisibleMessageWindow(player) == nullptr; });
-    }
 };
 
 TEST_F(FullScreenWindowTest, EachWayTakesTheWholeMonitorAndComesBack) {
@@ -76,7 +71,7 @@ TEST_F(FullScreenWindowTest, WithoutAFilmNothingButBlackIsOnTheMonitor) {
     Player player;
     Prepare(player);
     Enter(player);
-    ASSERT_TRUE(NoMessageShows(player));
+    ASSERT_TRUE(player.WaitUntilNoMessageShows());
     const Rect monitor = MonitorOf(player.MainWindow());
     EXPECT_TRUE(WaitUntil(limits::kReaction, "a black screen", [&] {
         return PhotographScreen(monitor).BlackShare({0, 0, monitor.Width(), monitor.Height()}) == 1.0;
@@ -153,7 +148,7 @@ TEST_F(FullScreenWindowTest, SizingCommandsChangeNothingButShowTheirMessage) {
     Prepare(player);
     const Shape before(player);
     Enter(player);
-    ASSERT_TRUE(NoMessageShows(player));
+    ASSERT_TRUE(player.WaitUntilNoMessageShows());
     PressKey('1');
     EXPECT_TRUE(
         WaitUntil(limits::kReaction, "a message", [&] { return VisibleMessageWindow(player) != nullptr; }));
