@@ -119,6 +119,15 @@ TEST_F(WindowDragTest, AFilmTakesTheWindowAlongAndPlaysOn) {
     EXPECT_EQ(player.Close(), 0U);
 }
 
+TEST_F(WindowDragTest, AWindowThatIsClosedWhileItIsHeldEnds) {
+    Player player;
+    player.Activate();
+    ASSERT_TRUE(PutAt(player.MainWindow(), kStart));
+    const HeldDrag drag(player.MainWindow(), kGrip);
+    ASSERT_TRUE(drag.Started());
+    EXPECT_EQ(player.Close(), 0U);
+}
+
 TEST_F(WindowDragTest, EachSideSnapsToItsEdgeFromLessThanTenPixels) {
     ExpectSnappingBelow(10);
 }
