@@ -33,6 +33,10 @@ std::wstring ReportFolder() {
     return Variable(L"BRINDLECAST_REPORTS");
 }
 
+bool IsLongRun() {
+    return GetEnvironmentVariableW(L"BRINDLECAST_LONG", nullptr, 0) != 0;
+}
+
 std::wstring Media(const wchar_t* name) {
     return Variable(L"BRINDLECAST_MEDIA") + L"\\" + name;
 }

@@ -11,6 +11,8 @@ namespace brindlecast::testing {
 [[nodiscard]] std::wstring BuildFolder();
 [[nodiscard]] std::wstring ProgramFolder(); // the executable and its modules
 [[nodiscard]] std::wstring ReportFolder();
+// Whether the long form of tests that have one is asked for.
+[[nodiscard]] bool IsLongRun();
 // The path of a file among the test media.
 [[nodiscard]] std::wstring Media(const wchar_t* name);
 // The path of a native helper program, and of any file, as the host system writes it.
