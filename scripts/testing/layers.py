@@ -105,8 +105,9 @@ def make_corpus(name: str) -> pathlib.Path:
     return corpus
 
 
-def run_windows(program: pathlib.Path, seconds: int, desktop: str = "tests") -> Counts:
-    """Runs one test program under Wine on a desktop of its own."""
+def run_windows(program: pathlib.Path, seconds: int, desktop: str = "tests", is_long: bool = False) -> Counts:
+    """Runs one test program under Wine on a desktop of its own. Tests that have a long form see by a variable that it is
+    asked for."""
     report = REPORTS / f"{program.stem}_windows.xml"
     environment = dict(os.environ, BRINDLECAST_MEDIA=windows_path(BUILD / "media"),
                        BRINDLECAST_BUILD=windows_path(BUILD / "windows"),
@@ -114,6 +115,8 @@ def run_windows(program: pathlib.Path, seconds: int, desktop: str = "tests") -> 
                        BRINDLECAST_REPORTS=windows_path(REPORTS),
                        # Where test programs find the FFmpeg libraries, which lie beside the modules.
                        WINEPATH=windows_path(BUILD / "windows/bin"))
+    if is_long:
+        environment["BRINDLECAST_LONG"] = "1"
     arguments = [ROOT / "scripts/desktop/with_desktop", desktop, "--", "/usr/lib/wine/wine64", program,
                  f"--gtest_output=xml:{windows_path(report)}"]
     return run_program(arguments, report, report.with_suffix(".log"), seconds, env=environment, cwd=program.parent)
@@ -158,7 +161,7 @@ def e2e(is_long: bool) -> Counts:
             "compiling the source of drops", cwd=ROOT, stdout=subprocess.DEVNULL)
     counts = selfcheck()
     counts += run_command()
-    counts += run_windows(BUILD / "windows/test_bin/e2e_tests.exe", 1200, "e2e")
+    counts += run_windows(BUILD / "windows/test_bin/e2e_tests.exe", 3000 if is_long else 1200, "e2e", is_long)
     return counts
 
 

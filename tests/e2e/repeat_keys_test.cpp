@@ -1,9 +1,11 @@
 #include "tests/e2e/fixture.h"
 #include "tests/e2e/input.h"
 #include "tests/e2e/waits.h"
+#include "tests/e2e/witness.h"
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <vector>
 
@@ -171,6 +173,57 @@ TEST_F(RepeatKeysTest, MenuCommandsMarkAndClearLikeTheKeys) {
     }
     EXPECT_EQ(player.Send(WM_COMMAND, kMenuClear), 0);
     EXPECT_TRUE(WaitForFrameBehind(player, kFilm, *last + 25));
+    EXPECT_EQ(player.Close(), 0U);
+}
+
+// What the player says of itself while it repeats.
+class RepeatWitnessTest : public RepeatKeysTest {
+protected:
+    static constexpr UINT kCurrentPosition = 1255;
+
+    static std::int64_t Position(const Player& player) {
+        return player.Send(kCurrentPosition).value_or(-1); // milliseconds
+    }
+
+    const Witness witness;
+};
+
+TEST_F(RepeatWitnessTest, TheRepeatGoesOnWithinItsMarks) {
+    const milliseconds time = IsLongRun() ? milliseconds(60'000) : milliseconds(10'000);
+    Player player({Witness::Program(), L"", std::nullopt});
+    Play(player, kFilm);
+    ASSERT_TRUE(PauseWhere(player, kFilm, [](int frame) { return frame >= 20; }).has_value());
+    PressKey(kMarkA);
+    const std::int64_t first = Position(player);
+    PressKey(VK_SPACE);
+    ASSERT_TRUE(PauseWhere(player, kFilm, [](int frame) { return frame >= 70; }).has_value());
+    PressKey(kMarkB);
+    const std::int64_t last = Position(player);
+    ASSERT_GT(last, first + 1500);
+    PressKey(VK_SPACE);
+    std::ptrdiff_t falls = 0;
+    std::int64_t before = last;
+    std::int64_t least = last;
+    std::int64_t greatest = first;
+    const auto start = std::chrono::steady_clock::now();
+    while (std::chrono::steady_clock::now() - start < time) {
+        const std::int64_t now = Position(player);
+        falls += now < before - 1000 ? 1 : 0;
+        least = std::min(least, now);
+        greatest = std::max(greatest, now);
+        before = now;
+        LetPlay(milliseconds(10));
+    }
+    const auto lines = witness.Lines();
+    const auto jumps = std::ranges::count_if(lines, [](const std::wstring& line) {
+        return line.starts_with(L"[Brindlecast] AB Repeat: Jump to A (");
+    });
+    EXPECT_EQ(jumps, falls) << "each jump is one back to A";
+    // The part itself, and less than half a second for the window to look and the film to start again.
+    EXPECT_GE(jumps, time.count() / (last - first + 500) - 1);
+    EXPECT_LE(jumps, time.count() / (last - first - 50) + 1);
+    EXPECT_GE(least, first) << "in front of A";
+    EXPECT_LE(greatest, last + 250) << "behind B";
     EXPECT_EQ(player.Close(), 0U);
 }
 
