@@ -2,8 +2,7 @@
 #include "tests/e2e/fixture.h"
 #include "tests/e2e/input.h"
 #include "tests/e2e/waits.h"
-
-#include <string>
+#include "tests/e2e/window_state.h"
 
 namespace brindlecast::testing {
 
@@ -12,11 +11,6 @@ namespace {
 constexpr UINT kTogglePlaylist = WM_USER + 213;
 constexpr UINT kPlaylistHidden = WM_USER + 222;
 constexpr int kWidth = 420;
-
-std::string Text(const Rect& rect) {
-    return "{" + std::to_string(rect.left) + ", " + std::to_string(rect.top) + ", " +
-           std::to_string(rect.right) + ", " + std::to_string(rect.bottom) + "}";
-}
 
 // With room for the list on both sides.
 constexpr Rect kMiddle{500, 120, 1300, 720};
@@ -36,23 +30,19 @@ class DockedPlaylistTest : public ProgramTest {
 protected:
     void SetUp() override {
         ProgramTest::SetUp();
-        RECT area{};
-        SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
-        workArea = FromRect(area);
+        workArea = WorkAreaOf(GetDesktopWindow());
         ASSERT_GE(workArea.Width(), 1900);
     }
 
     static HWND PlaylistOf(const Player& player) {
-        return player.OwnProcess().FindVisibleWindow(L"BrindlecastPlaylist");
+        return player.OwnProcess().FindVisibleWindow(kPlaylistClass);
     }
     static void Place(HWND window, const Rect& place) {
-        SetWindowPos(window, nullptr, place.left, place.top, place.Width(), place.Height(),
-                     SWP_NOZORDER | SWP_NOACTIVATE);
-        ExpectPlace(window, place);
+        EXPECT_TRUE(PutAt(window, place)) << TextOf(ScreenRectOf(window)) << " and not " << TextOf(place);
     }
     static void ExpectPlace(HWND window, const Rect& place) {
-        WaitUntil(limits::kReaction, "a window's place", [&] { return ScreenRectOf(window) == place; });
-        EXPECT_EQ(ScreenRectOf(window), place) << Text(ScreenRectOf(window)) << " and not " << Text(place);
+        EXPECT_TRUE(WaitForPlace(window, place))
+            << TextOf(ScreenRectOf(window)) << " and not " << TextOf(place);
     }
     // The window shown beside the main window, which stands at that place.
     static HWND ShowBeside(Player& player, const Rect& place) {
@@ -85,8 +75,12 @@ protected:
     // would be a double click.
     void DragMainWindow(const Player& player, int right, int down) {
         const Rect before = ScreenRectOf(player.MainWindow());
-        const Point grip{before.left + 200 + 20 * drags++, before.top + 300};
-        Drag(grip, {grip.x + right, grip.y + down});
+        {
+            const HeldDrag held(player.MainWindow(), {before.left + 200 + 20 * drags++, before.top + 300});
+            ASSERT_TRUE(held.Started());
+            held.MoveBy({right / 2, down / 2});
+            held.MoveBy({right, down});
+        }
         ExpectPlace(player.MainWindow(), Moved(before, right, down));
     }
 
@@ -123,7 +117,8 @@ TEST_F(DockedPlaylistTest, WithoutRoomItStandsAtTheEdgeAndDoesNotFollow) {
 
 TEST_F(DockedPlaylistTest, ItFollowsTheSizeOfTheMainWindowAndKeepsItsWidth) {
     Player player;
-    const Rect other{520, 90, 1210, 640};
+    // The corner stays: of this alone nobody is told as of a move.
+    const Rect other{kMiddle.left, kMiddle.top, kMiddle.right - 90, kMiddle.bottom + 55};
     HWND playlist = ShowBeside(player, kMiddle);
     Place(player.MainWindow(), other);
     ExpectPlace(playlist, RightOf(other));
