@@ -98,6 +98,11 @@ int Application::PumpMessages() {
         }
         TranslateMessage(&message);
         DispatchMessageW(&message);
+        // Wine's loop of a window that is being moved or sized keeps the message that ends this one, if the
+        // window goes meanwhile.
+        if (window != nullptr && IsWindow(window) == FALSE) {
+            PostQuitMessage(0);
+        }
     }
     return static_cast<int>(message.wParam);
 }
