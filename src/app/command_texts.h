@@ -28,6 +28,7 @@ inline constexpr const wchar_t* kSubtitlesOn = L"자막 켜기";
 inline constexpr const wchar_t* kSubtitlesOff = L"자막 끄기";
 inline constexpr const wchar_t* kCompressionOn = L"DRC ON";
 inline constexpr const wchar_t* kCompressionOff = L"DRC OFF";
+inline constexpr const wchar_t* kSubtitleTrack = L"자막: %s";
 inline constexpr const wchar_t* kAudioTrack = L"오디오: %s";
 inline constexpr const wchar_t* kFullScreen = L"전체화면";
 inline constexpr const wchar_t* kNotFullScreen = L"전체화면 해제";

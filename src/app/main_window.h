@@ -152,6 +152,10 @@ private:
     void RunCommand(const Command& command);
     void RunEngineCommand(const Command& command);
     void RunSubtitleCommand(const Command& command);
+    void SwitchSubtitles(bool on);
+    void ShowSubtitlesOn(bool on);
+    void OpenSubtitleFile(const Command& command);
+    void SelectSubtitle(int entry);
     void OpenRange(const RangeCommand& command);
     void OnEscape();
     void OnMouseWheel(int delta);

@@ -7,11 +7,13 @@
 #include "app/rate_rules.h"
 #include "app/volume_step.h"
 #include "base/bounded_text.h"
+#include "base/trace.h"
 #include "chrome/title_bar.h"
 #include "chrome/toolbar.h"
 #include "engine/player_engine.h"
 #include "engine/repeat_marks.h"
 #include "engine/volume_curve.h"
+#include "subtitles/subtitle_manager.h"
 
 namespace brindlecast {
 
@@ -19,6 +21,7 @@ namespace {
 
 constexpr DWORD kTrackHold = 1500; // milliseconds
 constexpr int kFullTurn = 360;
+constexpr double kMillisecondsPerSecond = 1000.0;
 
 } // namespace
 
@@ -33,6 +36,7 @@ void MainWindow::OnCommand(int id) {
 void MainWindow::OpenRange(const RangeCommand& command) {
     switch (command.range) {
     case CommandRange::AudioTrack: SelectAudioTrack(command.index); break;
+    case CommandRange::Subtitle: SelectSubtitle(command.index); break;
     case CommandRange::RecentFile: OpenRecentFile(static_cast<std::size_t>(command.index)); break;
     default: break;
     }
@@ -113,24 +117,68 @@ void MainWindow::RunEngineCommand(const Command& command) {
 void MainWindow::RunSubtitleCommand(const Command& command) {
     switch (command.action) {
     case CommandAction::ShiftSubtitles:
-        // Nothing is loaded that could be shifted, so that the delay is none.
-        ShowOverlayMessage(FormatBounded<texts::kPositionTextCapacity>(command.text, 0.0), kCommandHold);
+        engine->AdjustSubtitleDelay(static_cast<Milliseconds>(command.amount));
+        ShowOverlayMessage(
+            FormatBounded<texts::kPositionTextCapacity>(
+                command.text, static_cast<double>(engine->GetSubtitleDelay()) / kMillisecondsPerSecond),
+            kCommandHold);
         break;
-    case CommandAction::ResetSubtitleShift: ShowOverlayMessage(command.text, kCommandHold); break;
-    case CommandAction::SubtitlesOff:
-        engine->SetSubtitleEnabled(false);
-        if (toolbar != nullptr) {
-            toolbar->state.subtitleOn = false;
-            toolbar->Refresh();
-        }
+    case CommandAction::ResetSubtitleShift:
+        engine->ResetSubtitleDelay();
         ShowOverlayMessage(command.text, kCommandHold);
         break;
-    case CommandAction::OpenSubtitle:
-        // There is nothing yet that would load the file, and a file that does not load shows nothing.
-        static_cast<void>(AskForFile(Handle(), texts::kOpenSubtitleTitle, texts::kOpenSubtitleFilter));
+    case CommandAction::SubtitlesOff:
+        SwitchSubtitles(false);
+        ShowOverlayMessage(command.text, kCommandHold);
         break;
+    case CommandAction::OpenSubtitle: OpenSubtitleFile(command); break;
     default: break;
     }
+}
+
+void MainWindow::SwitchSubtitles(bool on) {
+    engine->SetSubtitleEnabled(on);
+    ShowSubtitlesOn(on);
+}
+
+void MainWindow::ShowSubtitlesOn(bool on) {
+    if (toolbar != nullptr) {
+        toolbar->state.subtitleOn = on;
+        toolbar->Refresh();
+    }
+}
+
+void MainWindow::OpenSubtitleFile(const Command& command) {
+    const auto path = AskForFile(Handle(), texts::kOpenSubtitleTitle, texts::kOpenSubtitleFilter);
+    // The engine may have gone while the dialog stood.
+    if (path && engine != nullptr && engine->LoadSubtitle(*path)) {
+        Trace(L"[Brindlecast] Subtitle loaded: %s\n", *path);
+        SwitchSubtitles(true);
+        ShowOverlayMessage(command.text, kCommandHold);
+    }
+}
+
+// Embedded tracks come first, then what was loaded from a file.
+void MainWindow::SelectSubtitle(int entry) {
+    if (engine == nullptr) {
+        return;
+    }
+    std::wstring name;
+    if (const int embedded = engine->GetEmbeddedSubtitleCount(); entry < embedded) {
+        if (!engine->LoadEmbeddedSubtitle(entry)) {
+            return;
+        }
+        name = engine->GetEmbeddedSubtitleName(entry);
+        ShowSubtitlesOn(true);
+    } else {
+        if (engine->subtitleManager == nullptr || !engine->subtitleManager->HasProvider()) {
+            return;
+        }
+        static_cast<void>(engine->SelectSubtitle(entry - embedded));
+        SwitchSubtitles(true);
+        name = engine->subtitleManager->NameAt(entry - embedded);
+    }
+    ShowOverlayMessage(FormatBounded<texts::kTrackTextCapacity>(texts::kSubtitleTrack, name), kTrackHold);
 }
 
 void MainWindow::OnEscape() {

@@ -15,6 +15,7 @@
 #include "library/playlist_database.h"
 #include "library/playlist_format.h"
 #include "playlist_ui/playlist_window.h"
+#include "subtitles/subtitle_manager.h"
 #include "ui/command_ids.h"
 #include "ui/messages.h"
 
@@ -101,8 +102,8 @@ void MainWindow::ShowOpenFile(const std::wstring& path) {
     AddRecentFile(path);
     const MediaSummary summary = engine->GetMediaSummary();
     if (toolbar != nullptr) {
-        // Nothing that could show subtitles is there yet.
-        toolbar->state.subtitleOn = false;
+        const SubtitleManager* const subtitles = engine->subtitleManager.get();
+        toolbar->state.subtitleOn = subtitles != nullptr && subtitles->HasProvider() && subtitles->enabled;
         toolbar->state.videoCodecText = summary.videoCodec;
         toolbar->state.audioCodecText = summary.audioCodec;
         toolbar->state.isHardware = summary.isHardware;

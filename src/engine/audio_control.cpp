@@ -95,10 +95,6 @@ bool PlayerEngine::SelectAudioTrack(unsigned ordinal) {
     return index >= 0 && SUCCEEDED(walk.Enable(static_cast<DWORD>(index), AMSTREAMSELECTENABLE_ENABLE));
 }
 
-void PlayerEngine::SetSubtitleEnabled(bool enabled) {
-    settings.WriteDword(settings::kSubtitleEnabled.name, enabled ? 1 : 0);
-}
-
 int PlayerEngine::GetEmbeddedSubtitleCount() const {
     return StreamWalk(splitter.Get()).CountOf(StreamKind::Subtitle);
 }

@@ -4,11 +4,10 @@
 #include "base/trace.h"
 #include "engine/hardware_choice.h"
 #include "filters/include/lav_video.h"
-#include "subtitles/external_subtitles.h"
+#include "subtitles/subtitle_manager.h"
 
 #include <dshow.h>
 #include <oleauto.h>
-#include <shlwapi.h>
 
 #include <utility>
 
@@ -53,19 +52,6 @@ bool PlayerEngine::OpenFile(std::wstring path) {
         FindSubtitlesOfCurrentFile();
     }
     return true;
-}
-
-void PlayerEngine::FindSubtitlesOfCurrentFile() {
-    try {
-        const auto found = FindExternalSubtitles(currentFile.c_str(), [](const std::wstring& candidate) {
-            return PathFileExistsW(candidate.c_str()) != FALSE;
-        });
-        if (!found.empty()) {
-            Trace(L"[Brindlecast] Found %zu subtitle(s): %s\n", found.size(), found.front());
-        }
-    } catch (...) {
-        // A film plays without its subtitles rather than not at all.
-    }
 }
 
 bool PlayerEngine::Play() {
@@ -128,6 +114,9 @@ void PlayerEngine::CloseGraph() {
         Seek(0.0);
     }
     ClearMarks();
+    if (subtitleManager != nullptr) {
+        subtitleManager->Unload();
+    }
     embeddedSubtitleTrack = -1;
     currentFile.clear();
     if (videoWindowControl != nullptr) {
@@ -157,6 +146,7 @@ void PlayerEngine::CloseGraph() {
 
 void PlayerEngine::Shutdown() {
     CloseGraph();
+    subtitleManager.reset();
     videoHost = nullptr;
     // Forgotten, not freed: code of theirs may still be on some thread's stack while the process ends.
     splitterModule = nullptr;

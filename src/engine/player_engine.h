@@ -13,6 +13,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -104,10 +105,25 @@ public:
     void ToggleDRC();
     [[nodiscard]] int GetEmbeddedSubtitleCount() const;
     [[nodiscard]] std::wstring GetEmbeddedSubtitleName(int ordinal) const;
-    // Stored.
-    void SetSubtitleEnabled(bool enabled);
     // The stream index among all streams of the splitter, -1 if there is none of that ordinal.
     [[nodiscard]] int MapEmbeddedSubtitleStream(unsigned ordinal) const;
+
+    // Subtitles.
+
+    // Loads a file in the place of what is loaded. False, and nothing loaded, when no reader takes it.
+    [[nodiscard]] bool LoadSubtitle(const std::wstring& path);
+    // Makes an entry of what is loaded current.
+    [[nodiscard]] bool SelectSubtitle(int index);
+    // Takes a text track out of the open file and loads it. False when it holds no text, is not there, or
+    // can't be taken out. Blocks for up to 30 seconds.
+    [[nodiscard]] bool LoadEmbeddedSubtitle(int ordinal);
+    // Stored, and obeyed by what is loaded.
+    void SetSubtitleEnabled(bool enabled);
+    // Added to the time of playing when text is drawn: a positive delay shows later text sooner. 0, and
+    // nothing happens, as long as no subtitle was loaded.
+    [[nodiscard]] Milliseconds GetSubtitleDelay() const;
+    void AdjustSubtitleDelay(Milliseconds delta);
+    void ResetSubtitleDelay();
 
     // Picture.
 
@@ -181,8 +197,8 @@ public:
     HMODULE audioModule = nullptr;
     HMODULE rendererModule = nullptr;
     HMODULE switcherModule = nullptr; // never assigned: each build leaves one more reference to that module
-    // Loads and holds subtitles; null until there is something that creates one.
-    SubtitleManager* subtitleManager = nullptr;
+    // Loads and holds subtitles, across files; null until the first one is there.
+    std::unique_ptr<SubtitleManager> subtitleManager;
     ComPtr<CMPCVR11SubtitleCallback> subtitleCallback;
     std::wstring currentFile;             // empty: nothing is open
     Time100ns markA = 0;                  // 0 unset, 1 the start of the file
@@ -219,6 +235,7 @@ private:
     void ApplyNormalization();
     void LoadKeyFrames();
     void FindSubtitlesOfCurrentFile();
+    void EnsureSubtitleManager();
     void TraceActiveDecoder() const;
     [[nodiscard]] HRESULT RunAgainWithD3D11(HRESULT firstResult);
     [[nodiscard]] HMODULE* ModuleSlot(const CLSID& clsid);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/geometry.h"
 #include "base/win32/com_ptr.h"
 #include "filters/include/mpc_video_renderer.h"
 
@@ -13,6 +14,7 @@
 namespace brindlecast {
 
 class SubtitleManager;
+struct ISubPic;
 
 // Draws the subtitle picture over the frame, on the video renderer's drawing thread and with the renderer's
 // device. The renderer calls SetDevice11 and Render11 on its own threads, never at once; `manager` alone is
@@ -30,7 +32,9 @@ public:
     // Makes everything for `newDevice` that does not depend on a picture's size, and drops what belonged to
     // another. Null drops the device as well. E_FAIL when the device refuses anything.
     STDMETHODIMP SetDevice11(ID3D11Device* newDevice) override;
-    // Answers 1, nothing drawn, as long as no manager is set.
+    // Draws what is shown at `start` over the `video` rectangle, with the shaders that the renderer has
+    // bound; what it changes of the device's state it leaves so. S_FALSE when nothing is drawn. The other
+    // times, the original rectangle and what follows the viewport are not looked at.
     STDMETHODIMP Render11(REFERENCE_TIME start, REFERENCE_TIME stop, REFERENCE_TIME frameDuration, RECT video,
                           RECT originalVideo, RECT viewport, double stretch, int xOffset,
                           DWORD flags) override;
@@ -41,6 +45,12 @@ private:
     [[nodiscard]] bool CreateVertexBuffer();
     [[nodiscard]] bool CreateSampler(D3D11_FILTER filter, ComPtr<ID3D11SamplerState>& sampler);
     [[nodiscard]] bool CreateBlend();
+    // Fetches the picture of a time and copies it into the texture; false when there is none.
+    [[nodiscard]] bool UpdateTexture(SubtitleManager& subtitles, REFERENCE_TIME time);
+    [[nodiscard]] bool EnsureTexture(Size size);
+    [[nodiscard]] bool CopyPicture(ISubPic& picture);
+    [[nodiscard]] bool Draw(const RECT& video);
+    [[nodiscard]] bool FillVertices();
 
     std::atomic<ULONG> references{1};
 
