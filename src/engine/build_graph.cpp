@@ -1,4 +1,5 @@
 #include "base/trace.h"
+#include "engine/executable_directory.h"
 #include "engine/graph_pins.h"
 #include "engine/graph_seeking.h"
 #include "engine/hardware_choice.h"
@@ -8,10 +9,8 @@
 
 #include <amvideo.h>
 #include <dvdmedia.h>
-#include <shlwapi.h>
 #include <uuids.h>
 
-#include <array>
 #include <memory>
 #include <new>
 #include <optional>
@@ -24,14 +23,6 @@ namespace {
 constexpr long kPrimingWait = 100;
 // More than any pin offers: an enumerator that goes on behind it has no end.
 constexpr int kMostTypes = 1024;
-
-std::wstring ExecutableDirectory() {
-    std::array<wchar_t, MAX_PATH> path{};
-    GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    path.back() = L'\0';
-    PathRemoveFileSpecW(path.data());
-    return path.data();
-}
 
 struct VideoFormat {
     REFERENCE_TIME frameDuration;
