@@ -14,20 +14,18 @@ namespace {
 // More than any file has: every walk asks for each stream, on the main thread.
 constexpr DWORD kMostStreams = 4096;
 
-// MEDIATYPE_Subtitle of the splitters, and the text type with FOURCC 'txts'.
-constexpr GUID kMajorTypeSubtitle = {
-    0xE487EB08, 0x6B26, 0x4BE9, {0x9D, 0xD3, 0x99, 0x34, 0x34, 0xD3, 0x13, 0xFD}};
+// The text type with FOURCC 'txts'.
 constexpr GUID kMajorTypeText = {
     0x73747874, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71}};
 
-bool Matches(const GUID& majorType, StreamKind kind) {
+} // namespace
+
+bool MatchesKind(const GUID& majorType, StreamKind kind) {
     if (kind == StreamKind::Audio) {
         return majorType == MEDIATYPE_Audio;
     }
     return majorType == kMajorTypeSubtitle || majorType == kMajorTypeText;
 }
-
-} // namespace
 
 StreamWalk::StreamWalk(IBaseFilter* splitter) : select(QueryFor<IAMStreamSelect>(splitter)) {
     DWORD reported = 0;
@@ -64,7 +62,7 @@ StreamInfo StreamWalk::Ask(DWORD index, unsigned wanted) const {
 
 bool StreamWalk::IsOfKind(DWORD index, StreamKind kind) const {
     const StreamInfo stream = Ask(index, kType);
-    return stream.known && Matches(stream.majorType, kind);
+    return stream.known && MatchesKind(stream.majorType, kind);
 }
 
 int StreamWalk::CountOf(StreamKind kind) const {
@@ -89,7 +87,7 @@ int StreamWalk::FirstEnabled(StreamKind kind) const {
     int ordinal = 0;
     for (DWORD index = 0; index < count; ++index) {
         const StreamInfo stream = Ask(index, kType | kFlags);
-        if (!stream.known || !Matches(stream.majorType, kind)) {
+        if (!stream.known || !MatchesKind(stream.majorType, kind)) {
             continue;
         }
         if ((stream.flags & AMSTREAMSELECTINFO_ENABLED) != 0) {
@@ -104,7 +102,7 @@ std::wstring StreamWalk::NameOf(StreamKind kind, unsigned ordinal) const {
     unsigned passed = 0;
     for (DWORD index = 0; index < count; ++index) {
         const StreamInfo stream = Ask(index, kType | kName);
-        if (stream.known && Matches(stream.majorType, kind) && passed++ == ordinal) {
+        if (stream.known && MatchesKind(stream.majorType, kind) && passed++ == ordinal) {
             return stream.name.value_or(std::wstring());
         }
     }

@@ -21,6 +21,13 @@ struct StreamInfo {
 
 enum class StreamKind { Audio, Subtitle };
 
+// MEDIATYPE_Subtitle of the splitters.
+inline constexpr GUID kMajorTypeSubtitle = {
+    0xE487EB08, 0x6B26, 0x4BE9, {0x9D, 0xD3, 0x99, 0x34, 0x34, 0xD3, 0x13, 0xFD}};
+
+// Whether streams of that major type are of that kind.
+[[nodiscard]] bool MatchesKind(const GUID& majorType, StreamKind kind);
+
 // One look at the streams of a splitter, by their index among all streams. A null splitter, or one that
 // offers no stream selection, has none. Streams behind the first 4096 are left out.
 class StreamWalk {
