@@ -56,6 +56,8 @@ public:
     // 0 before Initialise.
     [[nodiscard]] Milliseconds Delay() const;
     [[nodiscard]] bool HasProvider() const { return provider != nullptr; }
+    // Null before Initialise; gone with Shutdown.
+    [[nodiscard]] const CSubtitleProvider* Provider() const { return provider.get(); }
 
     // Whether there could be a picture at all: pictures are wanted and something is loaded.
     [[nodiscard]] bool IsActive() const;
