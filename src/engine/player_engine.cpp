@@ -3,6 +3,7 @@
 #include "app/settings.h"
 #include "base/trace.h"
 #include "engine/hardware_choice.h"
+#include "engine/subtitle_grabber.h"
 #include "filters/include/lav_video.h"
 #include "subtitles/subtitle_manager.h"
 

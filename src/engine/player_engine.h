@@ -20,6 +20,7 @@
 
 namespace brindlecast {
 
+class CSubtitleGrabberCallback;
 class SubtitleManager;
 
 // What is really decoding; fields that are not known stay empty or 0.
@@ -205,6 +206,10 @@ public:
     Time100ns markB = 0;                  // 0 unset
     std::uint64_t lastRepeatJumpTick = 0; // milliseconds
     std::int32_t embeddedSubtitleTrack = -1;
+    // Collects the samples of a subtitle stream, and the filter that shows them to it. They stay from file to
+    // file until the end, although the filter belongs to the graph that it was made for.
+    ComPtr<CSubtitleGrabberCallback> subtitleGrabberCallback;
+    ComPtr<IBaseFilter> subtitleGrabber;
 
 private:
     // Building; see build_graph.cpp, render_pins.cpp and audio_chain.cpp. Memory that runs out fails the
@@ -236,6 +241,11 @@ private:
     void LoadKeyFrames();
     void FindSubtitlesOfCurrentFile();
     void EnsureSubtitleManager();
+    // Text inside the file; see embedded_subtitles.cpp.
+    [[nodiscard]] bool ExtractSubtitleWithFfmpeg(int ordinal);
+    [[nodiscard]] bool AttachSubtitleGrabber(int ordinal);
+    [[nodiscard]] bool PrepareSubtitleGrabber(bool isAss);
+    [[nodiscard]] bool ConnectSubtitleGrabber(IPin* source);
     void TraceActiveDecoder() const;
     [[nodiscard]] HRESULT RunAgainWithD3D11(HRESULT firstResult);
     [[nodiscard]] HMODULE* ModuleSlot(const CLSID& clsid);

@@ -8,15 +8,18 @@
 
 #include <cstring>
 #include <sstream>
+#include <utility>
 
 // A splitter whose pins, streams and keyframes come from the script when it loads a file:
 //   LAVSplitter.pins         "Video:video/1920/1080/400000;Audio:audio"   name:type,type…
 //   LAVSplitter.streams      "audio:1:Korean;subtitle:0:-"                kind:flags:name, "-" for no name
+//   LAVSplitter.nameFails    the stream that can be asked for everything but its name
+//   LAVSplitter.enabledPins  pins that come with the first stream that is enabled
 //   LAVSplitter.streamCount  how many streams it says it has; asking for more than there are fails
 //   LAVSplitter.keyFrames    "0,20000000"
 //   LAVSplitter.load         failure of loading; loadFailures, how many loads fail before one does not, and
 //                            loadsBeforeFailure, how many do not before one fails
-// A type is "audio", "subtitle", or for the format blocks VideoInfo2 and VideoInfo
+// A type is "audio", "subtitle", "text", or for the format blocks VideoInfo2 and VideoInfo
 //   video/width/height/duration/subtype/compression/block
 //   videoinfo/…
 // with H264 where the subtype is left out, the subtype where the compression is, a compression in one digit
@@ -82,7 +85,7 @@ FakeType ParseType(const std::wstring& text) {
     if (fields.at(0) == L"audio") {
         return CompressedAudioType();
     }
-    return {kSubtitleType, GUID_NULL, GUID_NULL, {}};
+    return {fields.at(0) == L"text" ? kTextType : kSubtitleType, GUID_NULL, GUID_NULL, {}};
 }
 
 GUID MajorType(const std::wstring& kind) {
@@ -176,15 +179,7 @@ public:
     STDMETHODIMP Load(LPCOLESTR path, const AM_MEDIA_TYPE* type) override {
         Record(kRecordCall, FormatText(L"Load(%s, %s)", path, type == nullptr ? L"null" : L"type"));
         Record(kRecordQuery, FormatText(L"Load with %d filters alive", RecorderLiving()));
-        const wchar_t* list = ScriptText("pins");
-        for (const std::wstring& pin : Split(list != nullptr ? list : L"", L';')) {
-            const auto colon = pin.find(L':');
-            std::vector<FakeType> types;
-            for (const std::wstring& typeText : Split(pin.substr(colon + 1), L',')) {
-                types.push_back(ParseType(typeText));
-            }
-            AddPin(pin.substr(0, colon).c_str(), PINDIR_OUTPUT, std::move(types));
-        }
+        AddPins("pins");
         // The counter lives in the script, because each build makes a new splitter.
         const long left = Script("loadsBeforeFailure", -1);
         if (left == 0) {
@@ -209,8 +204,8 @@ public:
         Record(kRecordQuery,
                FormatText(L"Info(%d%s%s%s)", index, type != nullptr ? L", type" : L"",
                           flags != nullptr ? L", flags" : L"", name != nullptr ? L", name" : L""));
-        if (Script("infoFails", -1) == index || language != nullptr || group != nullptr ||
-            object != nullptr || unknown != nullptr) {
+        if (Script("infoFails", -1) == index || (name != nullptr && Script("nameFails", -1) == index) ||
+            language != nullptr || group != nullptr || object != nullptr || unknown != nullptr) {
             return E_FAIL;
         }
         const auto streams = Streams();
@@ -231,6 +226,9 @@ public:
     }
     STDMETHODIMP Enable(long index, DWORD flags) override {
         Record(kRecordCall, FormatText(L"Enable(%d, %u)", index, flags));
+        if (flags == AMSTREAMSELECTENABLE_ENABLE && !std::exchange(hasEnabledPins, true)) {
+            AddPins("enabledPins");
+        }
         return Script("enable");
     }
 
@@ -302,6 +300,17 @@ private:
         Record(kRecordCall, FormatText(format, value));
         return Script("rejectSettings");
     }
+    void AddPins(const char* key) {
+        const wchar_t* list = ScriptText(key);
+        for (const std::wstring& pin : Split(list != nullptr ? list : L"", L';')) {
+            const auto colon = pin.find(L':');
+            std::vector<FakeType> types;
+            for (const std::wstring& typeText : Split(pin.substr(colon + 1), L',')) {
+                types.push_back(ParseType(typeText));
+            }
+            AddPin(pin.substr(0, colon).c_str(), PINDIR_OUTPUT, std::move(types));
+        }
+    }
     [[nodiscard]] std::vector<std::wstring> Streams() const {
         const wchar_t* list = ScriptText("streams");
         return Split(list != nullptr ? list : L"", L';');
@@ -320,6 +329,8 @@ private:
         std::memcpy(copy, text.c_str(), bytes);
         return copy;
     }
+
+    bool hasEnabledPins = false;
 };
 
 } // namespace
