@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/win32/unique_handle.h"
+#include "engine/graph_pins.h"
 #include "engine/subtitle_grabber.h"
 #include "subtitles/subtitle_manager.h"
 #include "tests/graph/graph_fixture.h"
@@ -8,6 +9,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace brindlecast::testing {
 
@@ -141,6 +143,27 @@ private:
              {L"BRINDLECAST_TOOL_GIVES", L"BRINDLECAST_TOOL_EXIT", L"BRINDLECAST_TOOL_AWAITS"}) {
             SetEnvironmentVariableW(name, nullptr);
         }
+    }
+};
+
+// Text tracks whose samples are grabbed from the film, from a pin that comes when a track is enabled.
+class GrabberTest : public EmbeddedSubtitlesTest {
+protected:
+    void SetUp() override {
+        EmbeddedSubtitlesTest::SetUp();
+        UseMethod(1);
+        SetText("LAVSplitter.enabledPins", L"Subtitle:subtitle");
+    }
+    // The name of the splitter's first output that is not connected.
+    [[nodiscard]] std::wstring FreeSplitterPin() const {
+        const ComPtr<IPin> pin = FindUnconnectedPin(engine->splitter.Get(), PINDIR_OUTPUT);
+        return pin != nullptr ? PinName(pin.Get()) : L"";
+    }
+    // What the filters and the splitter were told, without the lines of the loading of subtitles.
+    [[nodiscard]] static Lines FilterCalls() {
+        Lines lines = Calls();
+        std::erase_if(lines, [](const std::wstring& line) { return line.starts_with(L"> "); });
+        return lines;
     }
 };
 

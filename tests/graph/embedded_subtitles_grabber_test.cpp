@@ -1,8 +1,5 @@
-#include "engine/graph_pins.h"
 #include "tests/graph/embedded_subtitles_fixture.h"
 #include "tests/graph/fake_sample.h"
-
-#include <algorithm>
 
 // Text tracks whose samples are grabbed from the running film, with the tool to fall back on.
 
@@ -27,35 +24,6 @@ public:
 
 private:
     DWORD cookie = 0;
-};
-
-std::wstring NameInGraph(IBaseFilter* filter) {
-    FILTER_INFO info{};
-    filter->QueryFilterInfo(&info);
-    if (info.pGraph != nullptr) {
-        info.pGraph->Release();
-    }
-    return info.pGraph != nullptr ? info.achName : L"";
-}
-
-class GrabberTest : public EmbeddedSubtitlesTest {
-protected:
-    void SetUp() override {
-        EmbeddedSubtitlesTest::SetUp();
-        UseMethod(1);
-        SetText("LAVSplitter.enabledPins", L"Subtitle:subtitle");
-    }
-    // The name of the splitter's first output that is not connected.
-    [[nodiscard]] std::wstring FreeSplitterPin() const {
-        const ComPtr<IPin> pin = FindUnconnectedPin(engine->splitter.Get(), PINDIR_OUTPUT);
-        return pin != nullptr ? PinName(pin.Get()) : L"";
-    }
-    // What the filters and the splitter were told, without the lines of the loading of subtitles.
-    [[nodiscard]] static Lines FilterCalls() {
-        Lines lines = Calls();
-        std::erase_if(lines, [](const std::wstring& line) { return line.starts_with(L"> "); });
-        return lines;
-    }
 };
 
 // With stand-ins for the two filters of the system.
@@ -166,7 +134,7 @@ TEST_F(GrabberCalls, WhenBothFailNothingIsLoaded) {
 }
 
 TEST_F(GrabberCalls, TheFirstFreePinThatOffersSubtitlesIsTaken) {
-    // The types of text alone, of something else first, and one more that would do.
+    // One of another kind, one that offers subtitles second, and one more that would do.
     SetText("LAVSplitter.enabledPins", L"Sound:audio;Second:audio,subtitle;Third:subtitle");
     Open();
     EXPECT_TRUE(engine->LoadEmbeddedSubtitle(0));
@@ -313,9 +281,6 @@ TEST_F(GrabberCalls, TheCallbackIsLinkedToAProviderThatIsThere) {
     EXPECT_TRUE(engine->LoadEmbeddedSubtitle(0));
     EXPECT_FALSE(engine->subtitleGrabberCallback->providerLinked) << "the manager came afterwards";
     EXPECT_EQ(nullptr, engine->subtitleGrabberCallback->providerTarget);
-    // Once more: the pin is taken, so a second one has to come.
-    engine->CloseGraph();
-    SetText("LAVSplitter.enabledPins", L"Subtitle:subtitle");
     Open();
     ToolGives(kSubRipText);
     EXPECT_TRUE(engine->LoadEmbeddedSubtitle(0));
@@ -374,72 +339,6 @@ TEST_F(GrabberCalls, TheEngineGivesBothBackAtItsEnd) {
     EXPECT_EQ(0, RecorderLiving());
     EXPECT_EQ(2U, callback.Get()->AddRef());
     EXPECT_EQ(1U, callback.Get()->Release());
-}
-
-// With the filters of the system, as they are.
-class SystemGrabber : public GrabberTest {
-protected:
-    // What the splitter's subtitle pin is connected to, an input of the grabber.
-    [[nodiscard]] ComPtr<IMemInputPin> GrabberInput() const {
-        std::vector<ComPtr<IPin>> pins;
-        EXPECT_EQ(S_OK, ListPins(engine->subtitleGrabber.Get(), PINDIR_INPUT, pins));
-        return pins.empty() ? nullptr : QueryFor<IMemInputPin>(pins.front().Get());
-    }
-    [[nodiscard]] static std::wstring PeerOf(IBaseFilter* filter, PIN_DIRECTION direction) {
-        std::vector<ComPtr<IPin>> pins;
-        EXPECT_EQ(S_OK, ListPins(filter, direction, pins));
-        ComPtr<IPin> peer;
-        if (pins.empty() || FAILED(pins.front()->ConnectedTo(&peer))) {
-            return L"";
-        }
-        PIN_INFO info{};
-        peer->QueryPinInfo(&info);
-        ComPtr<IBaseFilter> owner;
-        *owner.ReleaseAndGetAddressOf() = info.pFilter;
-        return NameInGraph(owner.Get());
-    }
-};
-
-TEST_F(SystemGrabber, CollectsTheSamplesOfTheTrack) {
-    Open();
-    ASSERT_TRUE(engine->LoadEmbeddedSubtitle(2));
-    EXPECT_EQ(L"Subtitle Grabber", NameInGraph(engine->subtitleGrabber.Get()));
-    EXPECT_EQ(L"LAV Splitter Source", PeerOf(engine->subtitleGrabber.Get(), PINDIR_INPUT));
-    EXPECT_EQ(L"Subtitle Null", PeerOf(engine->subtitleGrabber.Get(), PINDIR_OUTPUT));
-    CLSID clsid{};
-    EXPECT_EQ(S_OK, engine->subtitleGrabber->GetClassID(&clsid));
-    EXPECT_EQ((CLSID{0xC1F400A0, 0x3F08, 0x11D3, {0x9F, 0x0B, 0x00, 0x60, 0x08, 0x03, 0x9E, 0x37}}), clsid);
-    ComPtr<IBaseFilter> sink;
-    ASSERT_EQ(S_OK, engine->graph->FindFilterByName(L"Subtitle Null", &sink));
-    EXPECT_EQ(S_OK, sink->GetClassID(&clsid));
-    EXPECT_EQ((CLSID{0xC1F400A4, 0x3F08, 0x11D3, {0x9F, 0x0B, 0x00, 0x60, 0x08, 0x03, 0x9E, 0x37}}), clsid);
-    ExpectLoaded(2);
-    EXPECT_TRUE(engine->subtitleGrabberCallback->isAss);
-
-    const ComPtr<IMemInputPin> input = GrabberInput();
-    ASSERT_NE(nullptr, input);
-    FakeSample sample(10'000'000, 20'000'000, {'H', 'i'});
-    // The sink refuses samples of a stopped graph; the grabber has shown them by then.
-    input->Receive(&sample);
-    ASSERT_EQ(1U, engine->subtitleGrabberCallback->samples.size());
-    EXPECT_EQ(10'000'000, engine->subtitleGrabberCallback->samples[0].start);
-    EXPECT_EQ(20'000'000, engine->subtitleGrabberCallback->samples[0].stop);
-    EXPECT_EQ((std::vector<std::uint8_t>{'H', 'i'}), engine->subtitleGrabberCallback->samples[0].data);
-    EXPECT_EQ(Lines{}, ToolStarts());
-}
-
-TEST_F(SystemGrabber, DoesNotServeASecondFile) {
-    Open();
-    ASSERT_TRUE(engine->LoadEmbeddedSubtitle(0));
-    const IBaseFilter* const grabber = engine->subtitleGrabber.Get();
-    Open();
-    ToolGives(kSubRipText);
-    EXPECT_TRUE(engine->LoadEmbeddedSubtitle(1));
-    EXPECT_EQ(grabber, engine->subtitleGrabber.Get());
-    EXPECT_EQ(L"", NameInGraph(engine->subtitleGrabber.Get()));
-    EXPECT_EQ(L"", PeerOf(engine->subtitleGrabber.Get(), PINDIR_INPUT));
-    EXPECT_EQ(Lines{Command(1, L".srt")}, ToolStarts());
-    ExpectLoaded(1);
 }
 
 } // namespace
