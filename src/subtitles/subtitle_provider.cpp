@@ -179,6 +179,9 @@ STDMETHODIMP CSubtitleProvider::Render(SubPicDesc& desc, Time100ns rt, double /*
 // The images belong to libass and are read without its mutex: whoever could have it draw something else needs
 // the provider's, which is held here.
 void CSubtitleProvider::DrawTrack(const SubPicDesc& desc, Time100ns rt, Rect& bbox) {
+    if (!assContext.HasTrack()) {
+        return; // an interrupted load may have left cues
+    }
     const Milliseconds time = std::max<Milliseconds>(DelayedTime(rt, Delay()), 0);
     for (const ASS_Image* image = assContext.RenderFrame(time); image != nullptr; image = image->next) {
         BlendImage(
