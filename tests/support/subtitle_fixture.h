@@ -104,11 +104,11 @@ private:
 
 // libass spreads an edge over the pixels beside it.
 [[nodiscard]] inline bool IsAbout(const Rect& expected, const Rect& drawn) {
-    const auto near = [](int one, int other) {
+    const auto isBeside = [](int one, int other) {
         return one - other <= 1 && other - one <= 1;
     };
-    return near(expected.left, drawn.left) && near(expected.top, drawn.top) &&
-           near(expected.right, drawn.right) && near(expected.bottom, drawn.bottom);
+    return isBeside(expected.left, drawn.left) && isBeside(expected.top, drawn.top) &&
+           isBeside(expected.right, drawn.right) && isBeside(expected.bottom, drawn.bottom);
 }
 
 // What the drawing of cues was asked for.
