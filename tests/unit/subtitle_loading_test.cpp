@@ -229,6 +229,8 @@ TEST_F(SubtitleLoading, ClearForgetsTheFileAndKeepsTheDelay) {
 // A cue's text that is not UTF-8: the cues before it stay, and no lock is left behind.
 TEST_F(SubtitleLoading, TextThatIsNotUtf8EndsTheLoadWithAnException) {
     const std::string content = std::string(kSubRip) + "\n2\n00:00:03,000 --> 00:00:04,000\n\xFF\xFE\n";
+    ASSERT_TRUE(Load(u8"before.ass", AssScript(kFrame, {{"0:00:07.00", "0:00:08.00", kPlace}})));
+    ASSERT_EQ(1U, provider->GetStartPosition(0, 25.0));
     try {
         static_cast<void>(Load(u8"a.idx", content));
         FAIL() << "nothing thrown";
