@@ -260,18 +260,21 @@ TEST_F(WindowTest, AClassServesAnyNumberOfObjects) {
 }
 
 TEST_F(WindowTest, AClassNameOfSomebodyElseIsRefusedWhileItIsTheirs) {
-    constexpr const wchar_t* kTaken = L"WindowTestTakenClass";
+    // Another one at each repetition: what is registered here stays.
+    static int repetition = 0;
+    const std::wstring taken = L"WindowTestTakenClass" + std::to_wstring(repetition++);
     WNDCLASSW theirs{};
     theirs.lpfnWndProc = DefWindowProcW;
     theirs.hInstance = Instance();
-    theirs.lpszClassName = kTaken;
+    theirs.lpszClassName = taken.c_str();
     ASSERT_NE(RegisterClassW(&theirs), 0);
-    EXPECT_FALSE(TestWindow::RegisterClassOf(kTaken));
-    EXPECT_FALSE(TestWindow::RegisterClassOf(kTaken)) << "the refusal must not be taken for a registration";
-    ASSERT_NE(UnregisterClassW(kTaken, Instance()), FALSE);
-    EXPECT_TRUE(TestWindow::RegisterClassOf(kTaken));
+    EXPECT_FALSE(TestWindow::RegisterClassOf(taken.c_str()));
+    EXPECT_FALSE(TestWindow::RegisterClassOf(taken.c_str()))
+        << "the refusal must not be taken for a registration";
+    ASSERT_NE(UnregisterClassW(taken.c_str(), Instance()), FALSE);
+    EXPECT_TRUE(TestWindow::RegisterClassOf(taken.c_str()));
     TestWindow window;
-    EXPECT_TRUE(window.Create(kTaken));
+    EXPECT_TRUE(window.Create(taken.c_str()));
 }
 
 TEST_F(WindowTest, WithoutAClassThereIsNoWindow) {
