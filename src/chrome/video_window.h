@@ -11,7 +11,8 @@ namespace brindlecast {
 class VideoWindow final : public Window {
 public:
     VideoWindow();
-    ~VideoWindow() override = default;
+    // Whatever child is still there goes on without it.
+    ~VideoWindow() override { DetachRenderer(); }
 
     // Creates the window at 0, 0 with 100 by 100 pixels, to be laid out by the owner. False on failure.
     [[nodiscard]] bool Create(HINSTANCE instance, HWND ownerWindow);
