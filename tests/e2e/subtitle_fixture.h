@@ -72,12 +72,12 @@ protected:
         return WaitUntil(limits::kReaction, "twice the size",
                          [&] { return player.PictureOnScreen(film).Width() == 2 * film.width; });
     }
-    // Goes to that keyframe of a paused film by way of another, so that the picture is drawn anew.
+    // Goes to that keyframe of a paused film; from itself by way of another, so that it is drawn anew.
     [[nodiscard]] static Sight SightAt(const Player& player, const Film& film, int keyframe) {
-        for (const int frame : {keyframe == 450 ? 0 : 450, keyframe}) {
-            EXPECT_EQ(player.Send(kSeek, static_cast<WPARAM>(frame * 10'000 / kFrames)), 0);
-            EXPECT_TRUE(player.WaitForFrameNumber(film, frame)) << frame;
+        if (player.FrameOnScreen(film) == keyframe) {
+            SeekTo(player, film, keyframe == 450 ? 0 : 450);
         }
+        SeekTo(player, film, keyframe);
         const Sight sight = LookAt(player, film);
         EXPECT_EQ(sight.frame, keyframe);
         return sight;
@@ -102,6 +102,12 @@ protected:
     }
 
     FilmFolder folder;
+
+private:
+    static void SeekTo(const Player& player, const Film& film, int keyframe) {
+        EXPECT_EQ(player.Send(kSeek, static_cast<WPARAM>(keyframe * 10'000 / kFrames)), 0);
+        EXPECT_TRUE(player.WaitForFrameNumber(film, keyframe)) << keyframe;
+    }
 };
 
 } // namespace brindlecast::testing

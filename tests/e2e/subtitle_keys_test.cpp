@@ -118,6 +118,20 @@ TEST_F(SubtitleKeysTest, TheMenuSwitchesSubtitlesOffAndTheLoadedFileOnAgain) {
     EXPECT_EQ(player.Close(), 0U);
 }
 
+TEST_F(SubtitleKeysTest, AFilmWithoutSubtitlesHasNoneOfTheFormerToChoose) {
+    const Film film = AddFilm(L"film.mp4");
+    AddText(L"film.ass", AssWith({kCue}));
+    const Film alone = AddFilm(L"alone.mp4");
+    Player player;
+    ASSERT_TRUE(PlayLargeAndPause(player, film));
+    ASSERT_TRUE(SightAt(player, film, 100).ShowsJust(kCue));
+    ASSERT_TRUE(PlayLargeAndPause(player, alone));
+    EXPECT_FALSE(SightAt(player, alone, 100).Shows(kMagenta));
+    ExpectAfterCommand(player, kFirstSubtitle, L"자막: ");
+    EXPECT_FALSE(SightAt(player, alone, 100).Shows(kMagenta));
+    EXPECT_EQ(player.Close(), 0U);
+}
+
 TEST_F(SubtitleKeysTest, SwitchedOffTheyAreGoneFromARunningFilmAtOnce) {
     const Film film = AddFilm(L"film.mp4");
     AddText(L"film.ass", AssWith({{0, 20'000, {40, 130, 120, 166}, kMagenta}}));
