@@ -2,13 +2,11 @@
 #include "app/main_window.h"
 #include "app/overlay.h"
 #include "app/screenshot_name.h"
-#include "base/paths.h"
+#include "engine/executable_directory.h"
 #include "engine/player_engine.h"
 
 #include <knownfolders.h>
 #include <shlobj.h>
-
-#include <array>
 
 namespace brindlecast {
 
@@ -16,18 +14,12 @@ namespace {
 
 constexpr DWORD kScreenshotHold = 1500; // milliseconds
 
-std::wstring ProgramFolder() {
-    std::array<wchar_t, MAX_PATH> path{};
-    GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    const std::wstring_view file = path.data();
-    return std::wstring(file.substr(0, LastSeparator(file) + 1));
-}
-
 // With its separator at the end. Pictures that have no folder go beside the program.
 std::wstring ScreenshotFolder() {
     PWSTR pictures = nullptr;
     const HRESULT found = SHGetKnownFolderPath(FOLDERID_Pictures, 0, nullptr, &pictures);
-    std::wstring folder = SUCCEEDED(found) ? std::wstring(pictures) + L"\\Brindlecast\\" : ProgramFolder();
+    std::wstring folder =
+        SUCCEEDED(found) ? std::wstring(pictures) + L"\\Brindlecast\\" : ExecutableDirectory() + L"\\";
     CoTaskMemFree(pictures);
     if (SUCCEEDED(found)) {
         CreateDirectoryW(folder.c_str(), nullptr);
