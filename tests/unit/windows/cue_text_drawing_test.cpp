@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <array>
 
 // Plain text over a picture. The pictures are compared with a slow drawing of the test's own, pass by pass,
 // with every number worked out here.
@@ -242,16 +243,29 @@ TEST_F(CueTextDrawing, NothingIsDrawnWithoutMemoryOrText) {
     EXPECT_EQ(kInvertedRect, box);
 }
 
+// The number of drawing objects that live, or a number that grows with it. Wine does not count them, but
+// numbers an object anew only when no number is free.
+int LivingObjects() {
+    if (const DWORD count = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS); count != 0) {
+        return static_cast<int>(count);
+    }
+    std::array<HBRUSH, 2000> brushes{};
+    int highest = 0;
+    for (HBRUSH& brush : brushes) {
+        brush = CreateSolidBrush(0x123456);
+        highest = std::max<int>(highest, LOWORD(reinterpret_cast<ULONG_PTR>(brush)));
+    }
+    std::ranges::for_each(brushes, DeleteObject);
+    return highest;
+}
+
 TEST_F(CueTextDrawing, GivesBackWhatItTook) {
-    const auto objects = [] {
-        return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-    };
     static_cast<void>(DrawOn({64, 64}, L"Hi"));
-    const DWORD before = objects();
+    const int before = LivingObjects();
     for (int draw = 0; draw < 100; ++draw) {
         static_cast<void>(DrawOn({64, 64}, L"Hi"));
     }
-    EXPECT_EQ(before, objects());
+    EXPECT_LT(LivingObjects() - before, 50);
 }
 
 TEST_F(CueTextDrawing, TheRestOfThePictureStays) {
