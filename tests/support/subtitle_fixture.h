@@ -55,6 +55,8 @@ public:
         desc.bits = memory.data();
         desc.videoRect = {0, 0, size.width, size.height};
     }
+    Canvas(const Canvas&) = delete;
+    Canvas(Canvas&&) = default;
     [[nodiscard]] Pixel At(int x, int y) const { return PixelAt(desc, x, y); }
     [[nodiscard]] int Count(const Pixel& pixel) const {
         int count = 0;
