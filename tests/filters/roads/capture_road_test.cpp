@@ -1,12 +1,11 @@
 #include "base/win32/unique_handle.h"
 #include "engine/image_file.h"
 #include "tests/e2e/environment.h"
+#include "tests/filters/roads/captured_image.h"
 #include "tests/filters/roads/road_fixture.h"
 
 #include <gdiplus.h>
 
-#include <cmath>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -19,39 +18,12 @@ constexpr int kFrame = 50; // of film.mkv: a keyframe
 // Of film.mkv's frame 50: rows from top to bottom of B, G, R, 255, decoded by another program.
 constexpr const wchar_t* kReference = L"film_frame_50.bgra";
 
-// Rows from top to bottom of B, G, R, unused.
-struct Image {
-    int width = 0;
-    int height = 0;
-    std::vector<std::uint8_t> pixels;
-};
-
 Image ReadReference() {
     Image image{kWidth, kHeight, std::vector<std::uint8_t>(kWidth * kHeight * 4)};
     std::ifstream file(std::filesystem::path(Media(kReference)), std::ios::binary);
     file.read(reinterpret_cast<char*>(image.pixels.data()),
               static_cast<std::streamsize>(image.pixels.size()));
     EXPECT_TRUE(file.good());
-    return image;
-}
-
-Image FromBitmapFile(const BitmapBytes& bytes) {
-    Image image;
-    if (bytes == nullptr || bytes->size() < 54) {
-        return image;
-    }
-    BITMAPINFOHEADER header{};
-    std::memcpy(&header, bytes->data() + 14, sizeof(header));
-    image.width = header.biWidth;
-    image.height = header.biHeight;
-    const auto row = static_cast<std::size_t>(header.biWidth) * 4;
-    if (header.biBitCount != 32 || bytes->size() < 54 + row * static_cast<std::size_t>(header.biHeight)) {
-        return {};
-    }
-    for (int y = header.biHeight - 1; y >= 0; --y) {
-        const auto at = bytes->begin() + 54 + static_cast<std::ptrdiff_t>(row) * y;
-        image.pixels.insert(image.pixels.end(), at, at + static_cast<std::ptrdiff_t>(row));
-    }
     return image;
 }
 
@@ -74,20 +46,6 @@ Image FromImageFile(const std::wstring& path) {
     }
     Gdiplus::GdiplusShutdown(token);
     return image;
-}
-
-// Decibels over the three colours; 99 for equal pictures, 0 for pictures of different sizes.
-double Psnr(const Image& one, const Image& other) {
-    if (one.width != other.width || one.height != other.height || one.pixels.size() != other.pixels.size()) {
-        return 0.0;
-    }
-    double sum = 0.0;
-    for (std::size_t i = 0; i < one.pixels.size(); ++i) {
-        const double difference = i % 4 == 3 ? 0.0 : one.pixels[i] - other.pixels[i];
-        sum += difference * difference;
-    }
-    const double mean = sum / (static_cast<double>(one.pixels.size()) * 0.75);
-    return mean > 0.0 ? std::min(99.0, 10.0 * std::log10(255.0 * 255.0 / mean)) : 99.0;
 }
 
 class CaptureRoad : public RoadTest {

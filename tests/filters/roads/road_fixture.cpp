@@ -28,7 +28,10 @@ MediaEntry EntryOf(const wchar_t* name) {
 
 void RoadTest::SetUp() {
     store.values[L"AudioNormalize"] = 0U;
-    SetTraceSink([this](std::wstring_view line) { lines.emplace_back(line); });
+    SetTraceSink([this](std::wstring_view line) {
+        const std::lock_guard lock(linesMutex);
+        lines.emplace_back(line);
+    });
     host = CreateWindowExW(WS_EX_TOPMOST, L"STATIC", L"host", WS_POPUP | WS_VISIBLE, 0, 0, 640, 360, nullptr,
                            nullptr, nullptr, nullptr);
     engine = std::make_unique<PlayerEngine>(store);
@@ -118,8 +121,18 @@ int RoadTest::FrameAt(Seconds position) const {
     return static_cast<int>(std::floor((position + kRounding - film.videoStart) * film.fps));
 }
 
+std::vector<std::wstring> RoadTest::TracedLines() const {
+    const std::lock_guard lock(linesMutex);
+    return lines;
+}
+
+std::ptrdiff_t RoadTest::CountTraced(std::wstring_view part) const {
+    return std::ranges::count_if(
+        TracedLines(), [part](const std::wstring& line) { return line.find(part) != std::wstring::npos; });
+}
+
 bool RoadTest::Traced(const std::wstring& line) const {
-    return std::ranges::count(lines, line) > 0;
+    return std::ranges::count(TracedLines(), line) > 0;
 }
 
 } // namespace brindlecast::testing

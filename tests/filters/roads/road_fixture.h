@@ -10,8 +10,10 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace brindlecast::testing {
@@ -48,13 +50,21 @@ protected:
     // The frame whose time has come at that position.
     [[nodiscard]] int FrameAt(Seconds position) const;
 
+    // How many lines of the trace so far hold that text. The renderer's thread traces as well.
+    [[nodiscard]] std::ptrdiff_t CountTraced(std::wstring_view part) const;
+    // Whether exactly that line is among them.
     [[nodiscard]] bool Traced(const std::wstring& line) const;
 
     FakeSettingsStore store;
-    std::vector<std::wstring> lines; // of the trace
     HWND host = nullptr;
     std::unique_ptr<PlayerEngine> engine;
     MediaEntry film; // the open file
+
+private:
+    [[nodiscard]] std::vector<std::wstring> TracedLines() const;
+
+    mutable std::mutex linesMutex;
+    std::vector<std::wstring> lines; // guarded by it
 };
 
 } // namespace brindlecast::testing

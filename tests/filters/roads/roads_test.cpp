@@ -53,11 +53,7 @@ protected:
         return names;
     }
 
-    [[nodiscard]] std::ptrdiff_t Builds() const {
-        return std::ranges::count_if(lines, [](const std::wstring& line) {
-            return line.find(L"Connection status") != std::wstring::npos;
-        });
-    }
+    [[nodiscard]] std::ptrdiff_t Builds() const { return CountTraced(L"Connection status"); }
 
     // Runs for a while and tells how far the position went, in seconds, and how long it took.
     struct Progress {

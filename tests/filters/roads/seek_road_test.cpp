@@ -101,9 +101,7 @@ TEST_F(SeekRoad, ARepeatedPartBeginsAHundredTimesAtTheSameFrame) {
     ASSERT_TRUE(engine->Seek(8.4)); // the keyframe before
     std::uint64_t now = 0;
     const auto jumps = [this] {
-        return std::ranges::count_if(lines, [](const std::wstring& line) {
-            return line.find(L"AB Repeat: Jump to A") != std::wstring::npos;
-        });
+        return CountTraced(L"AB Repeat: Jump to A");
     };
     for (int jump = 1; jump <= 100; ++jump) {
         now += 1'000; // the pause between two jumps has its own tests
