@@ -17,10 +17,10 @@ TEST_F(SubtitleDrawing, ThePictureIsBlendedOverTheFrame) {
     const Canvas& seen = target.Read();
     EXPECT_EQ(kRed, seen.At(20, 20));
     EXPECT_EQ(kFrameColor, seen.At(5, 5));
-    // Half of green over the frame, 127 of 255.
-    EXPECT_NEAR(127 + 90 * 128 / 255, seen.At(120, 70).green, 1);
-    EXPECT_NEAR(200 * 128 / 255, seen.At(120, 70).red, 1);
-    EXPECT_NEAR(40 * 128 / 255, seen.At(120, 70).blue, 1);
+    // Half of green over the frame: 127 and 128 parts of 255.
+    EXPECT_NEAR(172.2, seen.At(120, 70).green, 1);
+    EXPECT_NEAR(100.4, seen.At(120, 70).red, 1);
+    EXPECT_NEAR(20.1, seen.At(120, 70).blue, 1);
     EXPECT_NEAR(255, seen.At(120, 70).alpha, 1);
 }
 

@@ -24,7 +24,7 @@ protected:
         return engine->OpenFile(film);
     }
     // The lines from the search for subtitles on, with <folder> for theirs.
-    Lines SubtitleLines() const {
+    [[nodiscard]] Lines SubtitleLines() const {
         const Lines all = CallsOf(L"> ");
         auto first =
             std::ranges::find_if(all, [](const auto& line) { return line.starts_with(L"> Found "); });

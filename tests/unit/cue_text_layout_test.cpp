@@ -48,7 +48,7 @@ protected:
     static constexpr Size kSize{5, 4};
 
     void Set(int x, int y, const Pixel& pixel) {
-        std::uint8_t* const bytes = &drawing[static_cast<std::size_t>((y * kSize.width + x) * 4)];
+        std::uint8_t* const bytes = drawing.data() + (std::ptrdiff_t{y} * kSize.width + x) * 4;
         bytes[0] = static_cast<std::uint8_t>(pixel.blue);
         bytes[1] = static_cast<std::uint8_t>(pixel.green);
         bytes[2] = static_cast<std::uint8_t>(pixel.red);
@@ -60,7 +60,7 @@ protected:
         return bbox;
     }
 
-    std::vector<std::uint8_t> drawing = std::vector<std::uint8_t>(5 * 4 * 4);
+    std::vector<std::uint8_t> drawing = std::vector<std::uint8_t>(80);
     Canvas canvas{kSize};
 };
 

@@ -109,9 +109,8 @@ TEST_F(SubtitleLimits, TwentyThousandEventsAtOnce) {
 TEST_F(SubtitleLimits, TwentyThousandEventsOneAfterTheOther) {
     std::string text;
     for (int event = 0; event < 20'000; ++event) {
-        const std::string minute = std::to_string(event / 60);
-        const std::string second = std::to_string(event % 60);
-        text += "1\n0:" + minute + ":" + second + ",000 --> 0:" + minute + ":" + second + ",900\nHi\n\n";
+        const std::string time = "0:" + std::to_string(event / 60) + ":" + std::to_string(event % 60);
+        text.append("1\n").append(time).append(",000 --> ").append(time).append(",900\nHi\n\n");
     }
     ASSERT_TRUE(Load(u8"a.srt", text));
     EXPECT_EQ(20'000U, provider->GetStartPosition(199'990'000'000, 25.0));

@@ -34,7 +34,7 @@ constexpr const char* kIndex = "# VobSub index file, v7 (do not modify this line
 class SubtitleLoading : public SubtitleTest {
 protected:
     SubtitleLoading() { provider->SetVideoSize(kFrame); }
-    ComReference<CSubtitleProvider> Make() const {
+    [[nodiscard]] static ComReference<CSubtitleProvider> Make() {
         return ComReference<CSubtitleProvider>(new CSubtitleProvider(SubtitleStyle{}, DrawFakeCue));
     }
     bool Load(const std::u8string& name, std::string_view bytes) {

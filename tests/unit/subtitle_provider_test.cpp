@@ -26,7 +26,7 @@ std::string OneBlock() {
 class SubtitleProviderTest : public SubtitleTest {
 protected:
     SubtitleProviderTest() { provider->SetVideoSize(kFrame); }
-    ComReference<CSubtitleProvider> Make() const {
+    [[nodiscard]] static ComReference<CSubtitleProvider> Make() {
         return ComReference<CSubtitleProvider>(new CSubtitleProvider(SubtitleStyle{}, DrawFakeCue));
     }
     bool Load(const std::u8string& name, std::string_view bytes) {

@@ -75,8 +75,8 @@ protected:
                                                  "2\n00:00:03,000 --> 00:00:04,000\n\xFF\n"));
     FakeSettingsStore store;
     SubtitleManager manager{store, [](const std::wstring&, const SubPicDesc& picture, Rect& bbox) {
-                                std::fill_n(picture.bits + 5 * picture.pitch, picture.width * 4,
-                                            std::uint8_t{255});
+                                std::fill_n(picture.bits + std::ptrdiff_t{5} * picture.pitch,
+                                            picture.width * 4, std::uint8_t{255});
                                 bbox = {0, 5, picture.width, 6};
                             }};
     std::atomic<bool> done = false;
@@ -106,13 +106,13 @@ TEST_F(SubtitleThreads, LoadingWhileDrawing) {
 TEST_F(SubtitleThreads, ShiftingWhileDrawing) {
     ASSERT_TRUE(manager.Load(red));
     Run([&](int round) {
-        manager.SetDelay(round % 7 * 100);
-        EXPECT_EQ(round % 7 * 100, manager.Delay());
+        manager.SetDelay(Milliseconds{round % 7} * 100);
+        EXPECT_EQ(Milliseconds{round % 7} * 100, manager.Delay());
     });
     EXPECT_GT(pictures, 0);
     ASSERT_TRUE(manager.Load(cues));
     done = false;
-    Run([&](int round) { manager.SetDelay(round % 7 * -100); });
+    Run([&](int round) { manager.SetDelay(Milliseconds{round % 7} * -100); });
 }
 
 TEST_F(SubtitleThreads, SwitchingAndUnloadingWhileDrawing) {
@@ -135,7 +135,7 @@ TEST_F(SubtitleThreads, LoadingWhileTheSizeOfTheFrameChanges) {
     changesSize = true;
     Run([&](int round) {
         EXPECT_TRUE(manager.Load(round % 2 == 0 ? green : cues));
-        manager.SetDelay(round % 3 * 10);
+        manager.SetDelay(Milliseconds{round % 3} * 10);
     });
     EXPECT_GT(pictures, 0);
 }

@@ -195,7 +195,7 @@ TEST_F(SubtitleRoad, WhileTheFilmRunsEachFrameHasItsText) {
     int without = 0;
     ASSERT_TRUE(PumpUntil(milliseconds(20'000), [&] {
         const Image shown = Shown();
-        const BgraView view{shown.pixels.data(), shown.width, shown.height, shown.width * 4};
+        const BgraView view{shown.pixels.data(), shown.width, shown.height, std::ptrdiff_t{4} * shown.width};
         const auto mark = ReadFrameMark(view, {0, 0, shown.width, shown.height});
         if (!mark) {
             return false;

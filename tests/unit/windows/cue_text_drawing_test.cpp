@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 // Plain text over a picture. The pictures are compared with a slow drawing of the test's own, pass by pass,
 // with every number worked out here.
@@ -51,8 +52,8 @@ private:
 // The font, measured text and distances of a picture.
 class Letters {
 public:
-    Letters(const std::wstring& theText, Size thePicture)
-        : text(theText), picture(thePicture), surface(thePicture),
+    Letters(std::wstring theText, Size thePicture)
+        : text(std::move(theText)), picture(thePicture), surface(thePicture),
           fontHeight(picture.height / 20 > 16 ? picture.height / 20 : 16),
           shadow(fontHeight / 12 > 2 ? fontHeight / 12 : 2),
           radius(std::min(std::max(fontHeight / 20, 1), 3)),
